@@ -1,0 +1,94 @@
+#include "odeint/Odeint.h"
+
+#include "init/InitOdeint.h"
+#include "kraefte/RechteSeiteDG.h"
+#include "physik/PhysSystem.h"
+#include "scheibe/AkkScheibe.h"
+
+#include <cmath>
+#include <iostream>
+#include <vector>
+
+Odeint::Odeint(InitOdeint& init)
+    : h(init.Anfangsschrittweite), eps(init.Genauigkeit), outputfiles(init.Outputfiles),
+      outputtime(init.Outputtime), hmin(init.MinSchrittweite), maxstp(init.MaxSchritte),
+      abbruch(false) {}
+
+void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte) {
+    std::ostream& aus = std::cout;
+    const double t0 = scheibe.t();
+    if (t0 >= outputtime)
+        aus << "Odeint: Fehler: Anfangszeitpunkt ist gr\xf6\xdf" "er als Endzeitpunkt der "
+               "Simulation !\n";
+    if (outputfiles < 1) {
+        aus << "Odeint: Fehler: Outputfiles muss mindestens 1 sein !\n";
+        return;
+    }
+    // Evenly spaced output times; the last one is the end time.
+    std::vector<double> tout(static_cast<std::size_t>(outputfiles));
+    for (int k = 0; k < outputfiles; ++k)
+        tout[k] = ((k + 1) * (outputtime - t0)) / outputfiles + t0;
+
+    int kout = 0;
+    const double rmin2 = phys.eta * phys.eta;
+    const double rmax2 = phys.rMax * phys.rMax;
+    int remove_count = 0;
+    int nok = 0, nbad = 0; // kept for inspection in a debugger; never reported
+    int nstp = 1;
+    if (!(nstp <= maxstp))
+        return;
+    double hdid = 0, hnext = 0;
+    for (;;) {
+        kraefte.derivatives(scheibe, phys);
+        if (scheibe.t() + h - tout[kout] > 0)
+            h = tout[kout] - scheibe.t();
+        stepper(scheibe, phys, kraefte, &hdid, &hnext);
+        aus << "step: " << nstp << " akk.t: " << scheibe.t() << '\n';
+        if (hdid == h)
+            ++nok;
+        else
+            ++nbad;
+
+        // Particles that came closer to the primary than eta or strayed
+        // beyond rMax leave the simulation.
+        int i = 0;
+        while (i < scheibe.tanz()) {
+            const std::valarray<double>& r = scheibe[i].r;
+            double d0 = r[0] - phys.x1[0];
+            double d1 = r[1] - phys.x1[1];
+            double d2 = r[2] - phys.x1[2];
+            double abst_sqr = d0 * d0 + d1 * d1 + d2 * d2;
+            if (abst_sqr < rmin2 || abst_sqr > rmax2) {
+                scheibe.entferne_teilchen(i);
+                aus << " Entferne Teilchen : " << i << " von " << scheibe.tanz() + 1
+                    << " Teilchen " << " zur Zeit: " << scheibe.t() << " : " << rmin2
+                    << " < abst_sqr < " << rmax2 << "ist : " << abst_sqr << "\n\n";
+                ++remove_count;
+            } else {
+                ++i; // also a NaN distance stays
+            }
+        }
+
+        // Output time reached, whichever the direction of integration.
+        if ((scheibe.t() - tout[kout]) * (tout[kout] - t0) >= 0) {
+            if (kout >= outputfiles - 1) {
+                scheibe.output(phys);
+                aus << "remove_count :" << remove_count << '\n';
+                aus.flush();
+                return;
+            }
+            scheibe.output(phys);
+            ++kout;
+        }
+        scheibe.update();
+        if (abbruch)
+            return;
+        if (std::fabs(hnext) <= hmin)
+            aus << "Step size too small in odeint\n";
+        h = hnext;
+        ++nstp;
+        aus.flush(); // one visible progress line per step
+        if (!(nstp <= maxstp))
+            return;
+    }
+}

@@ -1,0 +1,57 @@
+#include "simulation/SimulationConsole.h"
+
+#include "init/InitAkkScheibe.h"
+#include "init/InitOdeint.h"
+#include "init/InitPhysSystem.h"
+#include "init/InitRechteSeiteDG.h"
+#include "kraefte/Externforce.h"
+#include "kraefte/Kraefte.h"
+#include "odeint/RungeKutta.h"
+#include "physik/Kernel1.h"
+#include "physik/PhysSystem.h"
+#include "scheibe/AkkScheibe.h"
+
+#include <iostream>
+#include <vector>
+
+SimulationConsole::SimulationConsole(const char* parameterDatei, const char* teilchenDatei)
+    : parameterDatei(parameterDatei), teilchenDatei(teilchenDatei) {}
+
+void SimulationConsole::run(int, char**) {
+    initAkkScheibe = new InitAkkScheibe(parameterDatei, teilchenDatei);
+    initPhysSystem = new InitPhysSystem(parameterDatei, teilchenDatei);
+    initOdeint = new InitOdeint(parameterDatei);
+    initRechteSeiteDG = new InitRechteSeiteDG(parameterDatei);
+
+    if (initPhysSystem->kernelArt == 0)
+        kernel = new Kernel1(*initPhysSystem);
+    else
+        std::cout << "Kein Kernel initialisiert !\n" << std::endl;
+
+    physSystem = new PhysSystem(*initPhysSystem, kernel);
+
+    kraefte = new Kraefte();
+    std::vector<Forces> liste = initRechteSeiteDG->kraefte();
+    for (std::size_t i = 0; i < liste.size(); ++i) {
+        switch (liste[i]) {
+        case externforce:
+            kraefte->add(new Externforce());
+            break;
+        default:
+            std::cout << "Falsche Kraft in InitRechteSeiteDG !" << std::endl;
+            break;
+        }
+    }
+
+    scheibe = kraefte->createAkkScheibe(*initAkkScheibe, *physSystem);
+    if (!scheibe)
+        return;
+
+    if (initOdeint->odeintArt == 0) {
+        odeint = new RungeKutta(*scheibe, *initOdeint);
+    } else {
+        std::cout << "Kein Odeint initialisiert !\n" << std::endl;
+        return;
+    }
+    odeint->odeint(*scheibe, *physSystem, *kraefte);
+}

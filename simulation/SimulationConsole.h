@@ -1,0 +1,16 @@
+#pragma once
+
+#include "simulation/Simulation.h"
+
+// The console program: builds the run from the parameter file and the
+// initial disc file and integrates it.
+class SimulationConsole : public Simulation {
+public:
+    const char* parameterDatei; // not copied: must outlive the console
+    const char* teilchenDatei;  // initial disc file, likewise
+
+    SimulationConsole(const char* parameterDatei, const char* teilchenDatei);
+
+    // The arguments are not read.
+    void run(int argc, char** argv);
+};

@@ -1,0 +1,62 @@
+#pragma once
+// Helpers shared by the tests: scratch folders, whole-file reading and
+// writing, capture of the console streams, and runs of the executable.
+
+#include <filesystem>
+#include <iostream>
+#include <sstream>
+#include <string>
+
+namespace hilfen {
+
+// A fresh empty folder under the system's temporary folder, removed with the object.
+class TempOrdner {
+public:
+    TempOrdner();
+    ~TempOrdner();
+    TempOrdner(const TempOrdner&) = delete;
+    TempOrdner& operator=(const TempOrdner&) = delete;
+    const std::filesystem::path& pfad() const { return p; }
+    // Path of a file in the folder, as a string.
+    std::string datei(const std::string& name) const { return (p / name).string(); }
+
+private:
+    std::filesystem::path p;
+};
+
+void schreibe(const std::string& datei, const std::string& inhalt);
+std::string lies(const std::string& datei);
+bool existiert(const std::string& datei);
+
+// Redirects a stream into a string for the object's life.
+class Mitschnitt {
+public:
+    explicit Mitschnitt(std::ostream& s) : strom(s), alt(s.rdbuf(puffer.rdbuf())) {}
+    ~Mitschnitt() { strom.rdbuf(alt); }
+    Mitschnitt(const Mitschnitt&) = delete;
+    Mitschnitt& operator=(const Mitschnitt&) = delete;
+    std::string text() const { return puffer.str(); }
+
+private:
+    std::ostream& strom;
+    std::ostringstream puffer;
+    std::streambuf* alt;
+};
+
+// What one run of the executable printed and returned.
+struct Lauf {
+    std::string out;
+    std::string err;
+    int status;
+};
+
+// Runs the built executable with `ordner` as working directory (it reads
+// ordner/data/OYCar.parameter and ordner/data/Akk-OYCar-0).
+Lauf starte(const std::filesystem::path& ordner);
+
+// A parameter file with every key of a test-particle run around the default
+// binary; `zusatz` is appended (forces, switches, overrides: the last
+// occurrence of a key wins).
+std::string parameter(const std::string& zusatz);
+
+} // namespace hilfen

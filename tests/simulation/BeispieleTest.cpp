@@ -1,0 +1,56 @@
+// Reference runs: each folder under tests/data/beispiele holds the input files
+// of a run and, byte for byte, what the program must print, return and write.
+
+#include "tests/Hilfen.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<std::string> beispiele() {
+    std::vector<std::string> namen;
+    for (const auto& e : fs::directory_iterator(fs::path(AKK_TESTDATEN) / "beispiele"))
+        if (e.is_directory())
+            namen.push_back(e.path().filename().string());
+    std::sort(namen.begin(), namen.end());
+    return namen;
+}
+
+class Beispiel : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(Beispiel, GleichtDerReferenzBytefuerByte) {
+    const fs::path quelle = fs::path(AKK_TESTDATEN) / "beispiele" / GetParam();
+    hilfen::TempOrdner arbeit;
+    fs::copy(quelle / "data", arbeit.pfad() / "data", fs::copy_options::recursive);
+
+    hilfen::Lauf lauf = hilfen::starte(arbeit.pfad());
+
+    const fs::path erwartet = quelle / "expected";
+    EXPECT_EQ(hilfen::lies((erwartet / "exit").string()), std::to_string(lauf.status) + "\n");
+    EXPECT_EQ(hilfen::lies((erwartet / "stdout").string()), lauf.out);
+    EXPECT_EQ(hilfen::lies((erwartet / "stderr").string()), lauf.err);
+    for (const auto& e : fs::directory_iterator(erwartet / "data")) {
+        const fs::path geschrieben = arbeit.pfad() / "data" / e.path().filename();
+        ASSERT_TRUE(fs::exists(geschrieben)) << geschrieben << " was not written";
+        EXPECT_EQ(hilfen::lies(e.path().string()), hilfen::lies(geschrieben.string()))
+            << e.path().filename();
+    }
+    // Nothing but the expected snapshots may appear.
+    for (const auto& e : fs::directory_iterator(arbeit.pfad() / "data")) {
+        const fs::path name = e.path().filename();
+        EXPECT_TRUE(fs::exists(quelle / "data" / name) || fs::exists(erwartet / "data" / name))
+            << "unexpected file " << name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Referenzlaeufe, Beispiel, ::testing::ValuesIn(beispiele()),
+                         [](const auto& info) { return info.param; });
+
+} // namespace

@@ -4,8 +4,11 @@
 #include "init/InitOdeint.h"
 #include "init/InitPhysSystem.h"
 #include "init/InitRechteSeiteDG.h"
+#include "kraefte/Artvisc.h"
 #include "kraefte/Externforce.h"
 #include "kraefte/Kraefte.h"
+#include "kraefte/Physvisc.h"
+#include "kraefte/Pressure.h"
 #include "odeint/RungeKutta.h"
 #include "physik/Kernel1.h"
 #include "physik/PhysSystem.h"
@@ -37,6 +40,15 @@ void SimulationConsole::run(int, char**) {
         case externforce:
             kraefte->add(new Externforce());
             break;
+        case pressure:
+            kraefte->add(new Pressure());
+            break;
+        case artvisc:
+            kraefte->add(new Artvisc());
+            break;
+        case physvisc:
+            kraefte->add(new Physvisc());
+            break;
         default:
             std::cout << "Falsche Kraft in InitRechteSeiteDG !" << std::endl;
             break;
@@ -46,6 +58,11 @@ void SimulationConsole::run(int, char**) {
     scheibe = kraefte->createAkkScheibe(*initAkkScheibe, *physSystem);
     if (!scheibe)
         return;
+    // Every disc kind above the plain one works with pairs and needs the kernel.
+    if (kraefte->scheibe() >= 1 && !kernel) {
+        std::cout << "Fehler: SPH-Kr\xe4" "fte brauchen einen Kernel (Kern1) !\n";
+        return;
+    }
 
     if (initOdeint->odeintArt == 0) {
         odeint = new RungeKutta(*scheibe, *initOdeint);

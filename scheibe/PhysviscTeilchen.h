@@ -1,0 +1,26 @@
+#pragma once
+
+#include "scheibe/PressArtviscTeilchen.h"
+
+#include <vector>
+
+class PhysSystem;
+class PhysviscWW;
+
+// A particle of a viscous gas disc: adds its shear-tensor estimate and its
+// viscous acceleration.
+class PhysviscTeilchen : public PressArtviscTeilchen {
+public:
+    std::vector<PhysviscWW*> pvww;   // pairs of this particle (not owned)
+    std::vector<double> aPhysvisc;   // viscous acceleration
+    std::vector<double> sigmaTensor; // shear tensor: xx, xy, xz, yy, yz, zz
+
+    PhysviscTeilchen();
+
+    // Density and equation of state from the pairs in pvww.
+    void _force_init(PhysSystem& phys);
+    // sigma = f_grad m sum over the pairs of (pair tensor / rho of the partner).
+    void sigma(PhysSystem& phys);
+    // A = m nu f_grad sum over the pairs of the pair's viscous vector; added to a.
+    void add_physvisc(PhysSystem& phys);
+};

@@ -1,0 +1,67 @@
+#include "scheibe/PhysviscWW.h"
+
+#include "scheibe/PhysviscTeilchen.h"
+
+#include <iostream>
+
+namespace {
+void fremdesTeilchen() {
+    std::cout << "Angegebenes Teilchen geh\xf6rt nicht zu dieser PhysviscWW !\n";
+}
+} // namespace
+
+PhysviscWW::PhysviscWW() : physviscVektor(3, 0.0), sigmaTensor(6, 0.0) {}
+
+void PhysviscWW::_init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[3], double s2,
+                       Kernel& kernel) {
+    PressArtviscWW::_init(p, q, s, s2, kernel);
+    pt1 = p;
+    pt2 = q;
+}
+
+void PhysviscWW::sigma(PhysSystem&) {
+    const std::valarray<double>& a = dv;
+    const std::valarray<double>& b = dW;
+    sigmaTensor[0] = 1.3333333333333333 * a[0] * b[0] - 0.6666666666666666 * (a[1] * b[1] + a[2] * b[2]);
+    sigmaTensor[1] = a[0] * b[1] + a[1] * b[0];
+    sigmaTensor[2] = a[0] * b[2] + a[2] * b[0];
+    sigmaTensor[3] = 1.3333333333333333 * a[1] * b[1] - 0.6666666666666666 * (a[0] * b[0] + a[2] * b[2]);
+    sigmaTensor[4] = a[1] * b[2] + a[2] * b[1];
+    sigmaTensor[5] = 1.3333333333333333 * a[2] * b[2] - 0.6666666666666666 * (a[0] * b[0] + a[1] * b[1]);
+}
+
+std::valarray<double> PhysviscWW::sigma(PhysviscTeilchen* t) {
+    std::valarray<double> s(0.0, 6);
+    const PhysviscTeilchen* anderer = t == pt1 ? pt2 : t == pt2 ? pt1 : nullptr;
+    if (!anderer) {
+        fremdesTeilchen();
+        return s;
+    }
+    for (int c = 0; c < 6; ++c)
+        s[c] = sigmaTensor[c] / anderer->rho;
+    return s;
+}
+
+void PhysviscWW::physvisc(PhysSystem&) {
+    double T[6];
+    for (int c = 0; c < 6; ++c)
+        T[c] = pt1->sigmaTensor[c] / pt2->rho + pt2->sigmaTensor[c] / pt1->rho;
+    const std::valarray<double>& b = dW;
+    physviscVektor[0] = T[0] * b[0] + T[1] * b[1] + T[2] * b[2];
+    physviscVektor[1] = T[1] * b[0] + T[3] * b[1] + T[4] * b[2];
+    physviscVektor[2] = T[2] * b[0] + T[4] * b[1] + T[5] * b[2];
+}
+
+std::valarray<double> PhysviscWW::physvisc(PhysviscTeilchen* t) {
+    std::valarray<double> p(0.0, 3);
+    if (t == pt1) {
+        for (int k = 0; k < 3; ++k)
+            p[k] = physviscVektor[k];
+    } else if (t == pt2) {
+        for (int k = 0; k < 3; ++k)
+            p[k] = -physviscVektor[k];
+    } else {
+        fremdesTeilchen();
+    }
+    return p;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "scheibe/PressArtviscWW.h"
+
+#include <valarray>
+#include <vector>
+
+class Kernel;
+class PhysSystem;
+class PhysviscTeilchen;
+
+// Pair of a viscous gas disc: adds the pair's share of the shear tensor and
+// of the viscous force.
+class PhysviscWW : public PressArtviscWW {
+public:
+    PhysviscTeilchen* pt1 = nullptr;    // first partner, typed
+    PhysviscTeilchen* pt2 = nullptr;    // second partner, typed
+    std::vector<double> physviscVektor; // share of the viscous force (w.r.t. pt1)
+    std::vector<double> sigmaTensor;    // share of sigma: xx, xy, xz, yy, yz, zz
+
+    PhysviscWW();
+
+    void _init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[3], double s2,
+               Kernel& kernel);
+
+    // Traceless symmetric shear form of a = dv and b = dW:
+    // a_i b_j + a_j b_i - 2/3 delta_ij a.b.
+    void sigma(PhysSystem& phys);
+    // sigmaTensor / rho of the partner that is not t.
+    std::valarray<double> sigma(PhysviscTeilchen* t);
+    // (sigma_1 / rho_2 + sigma_2 / rho_1) applied to dW.
+    void physvisc(PhysSystem& phys);
+    // physviscVektor as it acts on t: itself for pt1, negated for pt2.
+    std::valarray<double> physvisc(PhysviscTeilchen* t);
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "scheibe/Teilchen.h"
+
+#include <vector>
+
+class PhysSystem;
+class SphWW;
+
+// A particle of an SPH disc: a test particle with its interaction pairs and
+// its density.
+class SphTeilchen : public Teilchen {
+public:
+    std::vector<SphWW*> ww; // pairs of this particle (not owned), rebuilt per evaluation
+    double rho = 0;         // SPH density, solar masses / solar radii^3
+
+    // rho = m fak (1 + sum of W over the pairs): the 1 is the particle's own
+    // kernel value at distance 0.
+    void _force_init(PhysSystem& phys);
+};

@@ -1,5 +1,8 @@
-// Reference runs: each folder under tests/data/beispiele holds the input files
-// of a run and, byte for byte, what the program must print, return and write.
+// Reference runs: each folder under tests/data/beispiele and
+// tests/data/regression holds the input files of a run and, byte for byte,
+// what the program must print, return and write. The regression folders were
+// recorded before the force evaluation was optimised; they guard that no
+// optimisation changes a result.
 
 #include "tests/Hilfen.h"
 
@@ -14,11 +17,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// Folder paths relative to the test data, e.g. "beispiele/p01_oycar".
 std::vector<std::string> beispiele() {
     std::vector<std::string> namen;
-    for (const auto& e : fs::directory_iterator(fs::path(AKK_TESTDATEN) / "beispiele"))
-        if (e.is_directory())
-            namen.push_back(e.path().filename().string());
+    for (const char* gruppe : {"beispiele", "regression"})
+        for (const auto& e : fs::directory_iterator(fs::path(AKK_TESTDATEN) / gruppe))
+            if (e.is_directory())
+                namen.push_back(std::string(gruppe) + "/" + e.path().filename().string());
     std::sort(namen.begin(), namen.end());
     return namen;
 }
@@ -26,7 +31,7 @@ std::vector<std::string> beispiele() {
 class Beispiel : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(Beispiel, GleichtDerReferenzBytefuerByte) {
-    const fs::path quelle = fs::path(AKK_TESTDATEN) / "beispiele" / GetParam();
+    const fs::path quelle = fs::path(AKK_TESTDATEN) / GetParam();
     hilfen::TempOrdner arbeit;
     fs::copy(quelle / "data", arbeit.pfad() / "data", fs::copy_options::recursive);
 
@@ -51,6 +56,8 @@ TEST_P(Beispiel, GleichtDerReferenzBytefuerByte) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Referenzlaeufe, Beispiel, ::testing::ValuesIn(beispiele()),
-                         [](const auto& info) { return info.param; });
+                         [](const auto& info) {
+                             return fs::path(info.param).filename().string();
+                         });
 
 } // namespace

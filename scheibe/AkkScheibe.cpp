@@ -10,14 +10,30 @@ AkkScheibe::AkkScheibe(InitAkkScheibe& init, PhysSystem& phys) {
 
 AkkScheibe::~AkkScheibe() = default;
 
-AkkScheibe* AkkScheibe::clone() { return scheibe::_clone(this); }
-Teilchen& AkkScheibe::operator[](int i) { return teilchen[i]; }
-int AkkScheibe::tanz() { return static_cast<int>(teilchen.size()); }
-void AkkScheibe::entferne_teilchen(int i) { scheibe::_erase(teilchen, i); }
-void AkkScheibe::output(PhysSystem& phys) { scheibe::_output(*this, teilchen, phys); }
-void AkkScheibe::force_init(PhysSystem&) { scheibe::_force_init(teilchen); }
-void AkkScheibe::odeint_init(AkkScheibe& other) { scheibe::_odeint_init(*this, teilchen, other); }
-void AkkScheibe::odeint_assign(AkkScheibe& other) { scheibe::_odeint_assign(*this, other); }
+AkkScheibe* AkkScheibe::clone() {
+    return scheibe::_clone(this);
+}
+Teilchen& AkkScheibe::operator[](int i) {
+    return teilchen[i];
+}
+int AkkScheibe::tanz() {
+    return static_cast<int>(teilchen.size());
+}
+void AkkScheibe::entferne_teilchen(int i) {
+    scheibe::_erase(teilchen, i);
+}
+void AkkScheibe::output(PhysSystem& phys) {
+    scheibe::_output(*this, teilchen, phys);
+}
+void AkkScheibe::force_init(PhysSystem&) {
+    scheibe::_force_init(teilchen);
+}
+void AkkScheibe::odeint_init(AkkScheibe& other) {
+    scheibe::_odeint_init(*this, teilchen, other);
+}
+void AkkScheibe::odeint_assign(AkkScheibe& other) {
+    scheibe::_odeint_assign(*this, other);
+}
 
 void AkkScheibe::update() {
     if (updater)

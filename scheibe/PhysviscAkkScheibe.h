@@ -4,7 +4,7 @@
 #include "scheibe/PhysviscWW.h"
 #include "scheibe/PressArtviscAkkScheibe.h"
 
-#include <list>
+#include "scheibe/Paarliste.h"
 #include <memory>
 #include <vector>
 
@@ -18,7 +18,7 @@ class PhysviscAkkScheibe : public PressArtviscAkkScheibe {
 public:
     std::vector<PhysviscTeilchen> teilchen;
     std::shared_ptr<Gitter<PhysviscTeilchen>> gitter;
-    std::shared_ptr<std::list<PhysviscWW>> ww;
+    std::shared_ptr<Paarliste<PhysviscWW>> ww;
 
     PhysviscAkkScheibe();
     PhysviscAkkScheibe(InitAkkScheibe& init, PhysSystem& phys);

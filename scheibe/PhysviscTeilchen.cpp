@@ -4,12 +4,15 @@
 
 PhysviscTeilchen::PhysviscTeilchen() : aPhysvisc(3, 0.0), sigmaTensor(6, 0.0) {}
 
-void PhysviscTeilchen::_force_init(PhysSystem& phys) { scheibe::_force_init(*this, pvww, phys); }
+void PhysviscTeilchen::_force_init(PhysSystem& phys) {
+    scheibe::_force_init(*this, pvww, phys);
+}
 
 void PhysviscTeilchen::sigma(PhysSystem& phys) {
     double s[6] = {0, 0, 0, 0, 0, 0};
     for (PhysviscWW* w : pvww) {
-        const std::valarray<double> beitrag = w->sigma(this);
+        double beitrag[6];
+        w->sigma_von(this, beitrag);
         for (int c = 0; c < 6; ++c)
             s[c] += beitrag[c];
     }
@@ -21,7 +24,8 @@ void PhysviscTeilchen::sigma(PhysSystem& phys) {
 void PhysviscTeilchen::add_physvisc(PhysSystem& phys) {
     double A[3] = {0, 0, 0};
     for (PhysviscWW* w : pvww) {
-        const std::valarray<double> beitrag = w->physvisc(this);
+        double beitrag[3];
+        w->physvisc_von(this, beitrag);
         for (int k = 0; k < 3; ++k)
             A[k] += beitrag[k];
     }

@@ -13,8 +13,8 @@ void fremdesTeilchen() {
 PhysviscWW::PhysviscWW() : physviscVektor(3, 0.0), sigmaTensor(6, 0.0) {}
 
 void PhysviscWW::_init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[3], double s2,
-                       Kernel& kernel) {
-    PressArtviscWW::_init(p, q, s, s2, kernel);
+                       const double dv[3], Kernel& kernel) {
+    PressArtviscWW::_init(p, q, s, s2, dv, kernel);
     pt1 = p;
     pt2 = q;
 }
@@ -22,23 +22,32 @@ void PhysviscWW::_init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[
 void PhysviscWW::sigma(PhysSystem&) {
     const std::valarray<double>& a = dv;
     const std::valarray<double>& b = dW;
-    sigmaTensor[0] = 1.3333333333333333 * a[0] * b[0] - 0.6666666666666666 * (a[1] * b[1] + a[2] * b[2]);
+    sigmaTensor[0] =
+        1.3333333333333333 * a[0] * b[0] - 0.6666666666666666 * (a[1] * b[1] + a[2] * b[2]);
     sigmaTensor[1] = a[0] * b[1] + a[1] * b[0];
     sigmaTensor[2] = a[0] * b[2] + a[2] * b[0];
-    sigmaTensor[3] = 1.3333333333333333 * a[1] * b[1] - 0.6666666666666666 * (a[0] * b[0] + a[2] * b[2]);
+    sigmaTensor[3] =
+        1.3333333333333333 * a[1] * b[1] - 0.6666666666666666 * (a[0] * b[0] + a[2] * b[2]);
     sigmaTensor[4] = a[1] * b[2] + a[2] * b[1];
-    sigmaTensor[5] = 1.3333333333333333 * a[2] * b[2] - 0.6666666666666666 * (a[0] * b[0] + a[1] * b[1]);
+    sigmaTensor[5] =
+        1.3333333333333333 * a[2] * b[2] - 0.6666666666666666 * (a[0] * b[0] + a[1] * b[1]);
+}
+
+void PhysviscWW::sigma_von(const PhysviscTeilchen* t, double s[6]) const {
+    const PhysviscTeilchen* anderer = t == pt1 ? pt2 : t == pt2 ? pt1 : nullptr;
+    if (!anderer) {
+        fremdesTeilchen();
+        for (int c = 0; c < 6; ++c)
+            s[c] = 0.0;
+        return;
+    }
+    for (int c = 0; c < 6; ++c)
+        s[c] = sigmaTensor[c] / anderer->rho;
 }
 
 std::valarray<double> PhysviscWW::sigma(PhysviscTeilchen* t) {
     std::valarray<double> s(0.0, 6);
-    const PhysviscTeilchen* anderer = t == pt1 ? pt2 : t == pt2 ? pt1 : nullptr;
-    if (!anderer) {
-        fremdesTeilchen();
-        return s;
-    }
-    for (int c = 0; c < 6; ++c)
-        s[c] = sigmaTensor[c] / anderer->rho;
+    sigma_von(t, &s[0]);
     return s;
 }
 
@@ -52,8 +61,7 @@ void PhysviscWW::physvisc(PhysSystem&) {
     physviscVektor[2] = T[2] * b[0] + T[4] * b[1] + T[5] * b[2];
 }
 
-std::valarray<double> PhysviscWW::physvisc(PhysviscTeilchen* t) {
-    std::valarray<double> p(0.0, 3);
+void PhysviscWW::physvisc_von(const PhysviscTeilchen* t, double p[3]) const {
     if (t == pt1) {
         for (int k = 0; k < 3; ++k)
             p[k] = physviscVektor[k];
@@ -62,6 +70,12 @@ std::valarray<double> PhysviscWW::physvisc(PhysviscTeilchen* t) {
             p[k] = -physviscVektor[k];
     } else {
         fremdesTeilchen();
+        p[0] = p[1] = p[2] = 0.0;
     }
+}
+
+std::valarray<double> PhysviscWW::physvisc(PhysviscTeilchen* t) {
+    std::valarray<double> p(0.0, 3);
+    physvisc_von(t, &p[0]);
     return p;
 }

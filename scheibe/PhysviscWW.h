@@ -21,7 +21,7 @@ public:
     PhysviscWW();
 
     void _init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[3], double s2,
-               Kernel& kernel);
+               const double dv[3], Kernel& kernel);
 
     // Traceless symmetric shear form of a = dv and b = dW:
     // a_i b_j + a_j b_i - 2/3 delta_ij a.b.
@@ -32,4 +32,9 @@ public:
     void physvisc(PhysSystem& phys);
     // physviscVektor as it acts on t: itself for pt1, negated for pt2.
     std::valarray<double> physvisc(PhysviscTeilchen* t);
+
+    // The two above without allocating: into s[6] and p[3]. A particle that
+    // is neither partner gets a message and zeros.
+    void sigma_von(const PhysviscTeilchen* t, double s[6]) const;
+    void physvisc_von(const PhysviscTeilchen* t, double p[3]) const;
 };

@@ -7,15 +7,25 @@ PressArtviscAkkScheibe::PressArtviscAkkScheibe() = default;
 
 PressArtviscAkkScheibe::PressArtviscAkkScheibe(InitAkkScheibe& init, PhysSystem& phys)
     : gitter(std::make_shared<Gitter<PressArtviscTeilchen>>()),
-      ww(std::make_shared<std::list<PressArtviscWW>>()) {
+      ww(std::make_shared<Paarliste<PressArtviscWW>>()) {
     scheibe::_init(*this, teilchen, *gitter, init, phys);
 }
 
-AkkScheibe* PressArtviscAkkScheibe::clone() { return scheibe::_clone(this); }
-PressArtviscTeilchen& PressArtviscAkkScheibe::operator[](int i) { return teilchen[i]; }
-int PressArtviscAkkScheibe::tanz() { return static_cast<int>(teilchen.size()); }
-void PressArtviscAkkScheibe::entferne_teilchen(int i) { scheibe::_erase(teilchen, i); }
-void PressArtviscAkkScheibe::output(PhysSystem& phys) { scheibe::_output(*this, teilchen, phys); }
+AkkScheibe* PressArtviscAkkScheibe::clone() {
+    return scheibe::_clone(this);
+}
+PressArtviscTeilchen& PressArtviscAkkScheibe::operator[](int i) {
+    return teilchen[i];
+}
+int PressArtviscAkkScheibe::tanz() {
+    return static_cast<int>(teilchen.size());
+}
+void PressArtviscAkkScheibe::entferne_teilchen(int i) {
+    scheibe::_erase(teilchen, i);
+}
+void PressArtviscAkkScheibe::output(PhysSystem& phys) {
+    scheibe::_output(*this, teilchen, phys);
+}
 void PressArtviscAkkScheibe::force_init(PhysSystem& phys) {
     scheibe::_force_init(*this, teilchen, *gitter, *ww, phys);
 }
@@ -26,8 +36,8 @@ void PressArtviscAkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
 void PressArtviscAkkScheibe::add_press(PhysSystem& phys) {
-    scheibe::_add_press(teilchen, ww.get(), phys);
+    scheibe::_add_press(teilchen, ww.get(), phys, puffer);
 }
 void PressArtviscAkkScheibe::add_artvisc(PhysSystem& phys) {
-    scheibe::_add_artvisc(teilchen, ww.get(), phys);
+    scheibe::_add_artvisc(teilchen, ww.get(), phys, puffer);
 }

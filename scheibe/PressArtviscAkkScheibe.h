@@ -4,7 +4,7 @@
 #include "scheibe/PressArtviscWW.h"
 #include "scheibe/SphAkkScheibe.h"
 
-#include <list>
+#include "scheibe/Paarliste.h"
 #include <memory>
 #include <vector>
 
@@ -15,7 +15,7 @@ class PressArtviscAkkScheibe : public SphAkkScheibe {
 public:
     std::vector<PressArtviscTeilchen> teilchen;
     std::shared_ptr<Gitter<PressArtviscTeilchen>> gitter;
-    std::shared_ptr<std::list<PressArtviscWW>> ww;
+    std::shared_ptr<Paarliste<PressArtviscWW>> ww;
 
     PressArtviscAkkScheibe();
     PressArtviscAkkScheibe(InitAkkScheibe& init, PhysSystem& phys);

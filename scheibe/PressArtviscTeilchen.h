@@ -22,4 +22,6 @@ public:
 
     // Density and equation of state from the pairs in paww.
     void _force_init(PhysSystem& phys);
+    // The same from summe = 1 + the sum of W over the pairs.
+    void _dichte(double summe, PhysSystem& phys);
 };

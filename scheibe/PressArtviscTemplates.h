@@ -13,8 +13,8 @@
 #include "scheibe/Paare.h"
 #include "scheibe/PhysviscWW.h"
 
+#include "scheibe/Paarliste.h"
 #include <cmath>
-#include <list>
 #include <valarray>
 #include <vector>
 
@@ -27,15 +27,18 @@ inline const Kernel1& kernel1(const PhysSystem& phys) {
 // Density rho = m fak S with S = 1 + sum of W, and the equation of state of
 // an ideal gas with gamma = 5/3: P = 0.0005 rho^(5/3), T = 14565369377.767422
 // rho^(2/3), and the isothermal sound speed c with c^2 = 3.4328e-14 T = P/rho.
-template <class T, class W>
-void _force_init(T& t, std::vector<W*>& paare, PhysSystem& phys) {
-    double s = 1.0;
-    for (const W* w : paare)
-        s += w->W;
+template <class T> void _zustand(T& t, double s, PhysSystem& phys) {
     t.rho = phys.mTeilchen * kernel1(phys).fak * s;
     t.p = 0.0005 * std::pow(t.rho, 1.6666666666666667);
     t.temperatur = 14565369377.767422 * std::pow(t.rho, 0.6666666666666667);
     t.cs = std::sqrt(3.4328e-14 * t.temperatur);
+}
+
+template <class T, class W> void _force_init(T& t, std::vector<W*>& paare, PhysSystem& phys) {
+    double s = 1.0;
+    for (const W* w : paare)
+        s += w->W;
+    _zustand(t, s, phys);
 }
 
 template <class T, class W> void _press(W& w, T* erster, T* zweiter, PhysSystem&) {
@@ -92,20 +95,63 @@ void _add_artvisc(T& t, T* self, std::vector<W*>& paare, PhysSystem& phys) {
     _sammle(t, self, paare, phys, t.aArtvisc, [](const W& w) { return w.pi; });
 }
 
-template <class T, class W>
-void _add_press(std::vector<T>& teilchen, std::list<W>* ww, PhysSystem& phys) {
-    for (W& w : *ww)
-        _press(w, w.pt1, w.pt2, phys);
-    for (T& t : teilchen)
-        _add_press(t, &t, paare(t), phys);
+// The whole pass: computes each pair's term, then accumulates -term g for
+// both partners. It streams once over the pair list and scatters into
+// per-particle sums: a particle's pairs stand in its own list in pair-list
+// order, so each sum receives the same terms in the same order as the loop
+// over the particle's list above, and the result is the same to the bit.
+template <class T, class W, class Term, class Ziel>
+void _sammleAlle(std::vector<T>& teilchen, Paarliste<W>& ww, PhysSystem& phys,
+                 std::vector<double>& A, Term paarterm, Ziel ziel) {
+    A.assign(3 * teilchen.size(), 0.0);
+    T* basis = teilchen.data();
+    for (W& w : ww) {
+        const double f = paarterm(w);
+        double* a1 = &A[3 * std::size_t(w.pt1 - basis)];
+        double* a2 = &A[3 * std::size_t(w.pt2 - basis)];
+        for (int k = 0; k < 3; ++k) {
+            const double g = w.dW[k];
+            a1[k] = a1[k] - f * g;
+        }
+        for (int k = 0; k < 3; ++k) {
+            const double g = -w.dW[k];
+            a2[k] = a2[k] - f * g;
+        }
+    }
+    const double faktor = phys.mTeilchen * kernel1(phys).dfak;
+    for (std::size_t i = 0; i < teilchen.size(); ++i) {
+        T& t = teilchen[i];
+        std::vector<double>& z = ziel(t);
+        for (int k = 0; k < 3; ++k) {
+            const double a = A[3 * i + k] * faktor;
+            z[k] = a;
+            t.a[k] = t.a[k] + a;
+        }
+    }
 }
 
 template <class T, class W>
-void _add_artvisc(std::vector<T>& teilchen, std::list<W>* ww, PhysSystem& phys) {
-    for (W& w : *ww)
-        _pi(w, w.pt1, w.pt2, phys);
-    for (T& t : teilchen)
-        _add_artvisc(t, &t, paare(t), phys);
+void _add_press(std::vector<T>& teilchen, Paarliste<W>* ww, PhysSystem& phys,
+                std::vector<double>& puffer) {
+    _sammleAlle(
+        teilchen, *ww, phys, puffer,
+        [&](W& w) {
+            _press(w, w.pt1, w.pt2, phys);
+            return w.press;
+        },
+        [](T& t) -> std::vector<double>& { return t.aPress; });
+}
+
+template <class T, class W>
+void _add_artvisc(std::vector<T>& teilchen, Paarliste<W>* ww, PhysSystem& phys,
+                  std::vector<double>& puffer) {
+    _sammleAlle(
+        teilchen, *ww, phys, puffer,
+        [&](W& w) {
+            _pi(w, w.pt1, w.pt2, phys);
+            return w.pi;
+        },
+        [](T& t) -> std::vector<double>& { return t.aArtvisc; });
 }
 
 } // namespace scheibe

@@ -3,8 +3,8 @@
 #include "scheibe/PressArtviscTeilchen.h"
 
 void PressArtviscWW::_init(PressArtviscTeilchen* p, PressArtviscTeilchen* q, const double s[3],
-                           double s2, Kernel& kernel) {
-    SphWW::_init(p, q, s, s2, kernel);
+                           double s2, const double dv[3], Kernel& kernel) {
+    SphWW::_init(p, q, s, s2, dv, kernel);
     pt1 = p;
     pt2 = q;
 }

@@ -15,5 +15,5 @@ public:
     double pi = 0;                       // artificial viscosity Pi_ij
 
     void _init(PressArtviscTeilchen* p, PressArtviscTeilchen* q, const double s[3], double s2,
-               Kernel& kernel);
+               const double dv[3], Kernel& kernel);
 };

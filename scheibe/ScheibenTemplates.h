@@ -47,8 +47,11 @@ void _init(AkkScheibe& disc, std::vector<P>& teilchen, InitAkkScheibe& init, Phy
     std::valarray<double> puffer(0.0, 3);
     for (int i = 0; i < n; ++i) {
         if (!lies(datei, puffer[0])) {
-            std::cout << "gew\xfc" "nschte Teilchenzahl " << n
-                      << " ist gr\xf6\xdf" "er als vorhandene Teilchen !\n";
+            std::cout << "gew\xfc"
+                         "nschte Teilchenzahl "
+                      << n
+                      << " ist gr\xf6\xdf"
+                         "er als vorhandene Teilchen !\n";
             teilchen.resize(static_cast<std::size_t>(i));
             std::cout << "Teilchenanzahl wurde auf " << static_cast<unsigned>(teilchen.size())
                       << " gesetzt !\n";
@@ -115,7 +118,9 @@ template <class P> void _force_init(std::vector<P>& teilchen) {
         t.init();
 }
 
-template <class T> AkkScheibe* _clone(T* disc) { return new T(*disc); }
+template <class T> AkkScheibe* _clone(T* disc) {
+    return new T(*disc);
+}
 
 // Takes over time and particles of an accepted step; `other` must be of the
 // disc's own class (std::bad_cast otherwise).

@@ -5,19 +5,31 @@
 SphAkkScheibe::SphAkkScheibe() = default;
 
 SphAkkScheibe::SphAkkScheibe(InitAkkScheibe& init, PhysSystem& phys)
-    : gitter(std::make_shared<Gitter<SphTeilchen>>()), ww(std::make_shared<std::list<SphWW>>()) {
+    : gitter(std::make_shared<Gitter<SphTeilchen>>()), ww(std::make_shared<Paarliste<SphWW>>()) {
     scheibe::_init(*this, teilchen, *gitter, init, phys);
 }
 
-AkkScheibe* SphAkkScheibe::clone() { return scheibe::_clone(this); }
-SphTeilchen& SphAkkScheibe::operator[](int i) { return teilchen[i]; }
-int SphAkkScheibe::tanz() { return static_cast<int>(teilchen.size()); }
-void SphAkkScheibe::entferne_teilchen(int i) { scheibe::_erase(teilchen, i); }
-void SphAkkScheibe::output(PhysSystem& phys) { scheibe::_output(*this, teilchen, phys); }
+AkkScheibe* SphAkkScheibe::clone() {
+    return scheibe::_clone(this);
+}
+SphTeilchen& SphAkkScheibe::operator[](int i) {
+    return teilchen[i];
+}
+int SphAkkScheibe::tanz() {
+    return static_cast<int>(teilchen.size());
+}
+void SphAkkScheibe::entferne_teilchen(int i) {
+    scheibe::_erase(teilchen, i);
+}
+void SphAkkScheibe::output(PhysSystem& phys) {
+    scheibe::_output(*this, teilchen, phys);
+}
 void SphAkkScheibe::force_init(PhysSystem& phys) {
     scheibe::_force_init(*this, teilchen, *gitter, *ww, phys);
 }
 void SphAkkScheibe::odeint_init(AkkScheibe& other) {
     scheibe::_odeint_init(*this, teilchen, other);
 }
-void SphAkkScheibe::odeint_assign(AkkScheibe& other) { scheibe::_odeint_assign(*this, other); }
+void SphAkkScheibe::odeint_assign(AkkScheibe& other) {
+    scheibe::_odeint_assign(*this, other);
+}

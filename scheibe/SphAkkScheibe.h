@@ -5,7 +5,7 @@
 #include "scheibe/SphTeilchen.h"
 #include "scheibe/SphWW.h"
 
-#include <list>
+#include "scheibe/Paarliste.h"
 #include <memory>
 #include <vector>
 
@@ -16,13 +16,15 @@
 // uses pairs runs force_init on its own disc first.
 class SphAkkScheibe : public AkkScheibe {
 public:
-    std::vector<SphTeilchen> teilchen;            // the particles (the base's vector stays empty)
-    std::shared_ptr<Gitter<SphTeilchen>> gitter;  // cell grid
-    std::shared_ptr<std::list<SphWW>> ww;         // all pairs; addresses stable while appending
-    std::vector<double> min;                      // lower corner of the grid box
-    std::vector<double> max;                      // upper corner of the grid box
-    double h = 0;                                 // cell edge = smoothing length
-    double h2 = 0;                                // h^2, the pair criterion
+    std::vector<SphTeilchen> teilchen;           // the particles (the base's vector stays empty)
+    std::shared_ptr<Gitter<SphTeilchen>> gitter; // cell grid
+    std::shared_ptr<Paarliste<SphWW>> ww;        // all pairs; addresses stable while appending
+    std::vector<double> min;                     // lower corner of the grid box
+    std::vector<double> max;                     // upper corner of the grid box
+    double h = 0;                                // cell edge = smoothing length
+    double h2 = 0;
+    std::vector<double> puffer; // per-particle sums of one pass (scratch) // h^2, the pair
+                                // criterion
 
     // No particles, no grid, no pair list.
     SphAkkScheibe();

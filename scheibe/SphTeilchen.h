@@ -17,4 +17,6 @@ public:
     // rho = m fak (1 + sum of W over the pairs): the 1 is the particle's own
     // kernel value at distance 0.
     void _force_init(PhysSystem& phys);
+    // The same from summe = 1 + the sum of W over the pairs.
+    void _dichte(double summe, PhysSystem& phys);
 };

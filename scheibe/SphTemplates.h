@@ -4,21 +4,22 @@
 //
 // The grid's cell edge is the smoothing length h, so all partners of a
 // particle lie in its own or the 26 surrounding cells. Each home cell is
-// compared with itself and with 13 forward neighbours (a half shell), which
-// visits every pair of cells once: the search is linear in the number of
-// particles for a roughly uniform disc.
+// compared with itself and with 13 forward neighbours (a half shell, see
+// Gitter::suche), which visits every pair of cells once: the search is
+// linear in the number of particles for a roughly uniform disc.
 
 #include "physik/Kernel.h"
 #include "physik/PhysSystem.h"
 #include "scheibe/Ganzzahl.h"
 #include "scheibe/Gitter.h"
 #include "scheibe/Paare.h"
+#include "scheibe/Paarliste.h"
 #include "scheibe/ScheibenTemplates.h"
 #include "scheibe/SphAkkScheibe.h"
 
 #include <cmath>
+#include <cstdint>
 #include <iostream>
-#include <list>
 #include <vector>
 
 namespace scheibe {
@@ -46,8 +47,8 @@ inline int zelle(double x, double min, double h, int n) {
 // Construction of an SPH disc: reads the particles and lays out the grid over
 // a fixed box around the primary, ten times flatter in z than in x and y.
 template <class T>
-void _init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter,
-           InitAkkScheibe& init, PhysSystem& phys) {
+void _init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter, InitAkkScheibe& init,
+           PhysSystem& phys) {
     disc.h = phys.h;
     disc.h2 = disc.h * disc.h;
     _init(static_cast<AkkScheibe&>(disc), teilchen, init, phys);
@@ -55,90 +56,63 @@ void _init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter,
     const double R = 1.1 * x1 - phys.xL1;
     disc.min = {x1 - R, -R, -0.1 * R};
     disc.max = {x1 + R, R, 0.1 * R};
-    const int nx = zellenzahl(disc.max[0] - disc.min[0], disc.h);
-    const int ny = zellenzahl(disc.max[1] - disc.min[1], disc.h);
-    const int nz = zellenzahl(disc.max[2] - disc.min[2], disc.h);
-    gitter.resize(nx);
-    for (auto& scheibe : gitter) {
-        scheibe.resize(ny);
-        for (auto& saeule : scheibe)
-            saeule.resize(nz);
-    }
+    gitter.anlegen(zellenzahl(disc.max[0] - disc.min[0], disc.h),
+                   zellenzahl(disc.max[1] - disc.min[1], disc.h),
+                   zellenzahl(disc.max[2] - disc.min[2], disc.h));
 }
 
-// Appends the pair (p, q) when the two are closer than h (strictly).
-template <class T, class W>
-void _kandidat(T* p, T* q, std::list<W>& ww, double h2, Kernel& kernel) {
-    double s[3];
-    for (int k = 0; k < 3; ++k)
-        s[k] = q->r[k] - p->r[k];
-    double s2 = s[0] * s[0] + s[1] * s[1] + s[2] * s[2];
-    if (s2 < h2) {
-        ww.emplace_back();
-        W& w = ww.back();
-        w._init(p, q, s, s2, kernel);
-        paare(*p).push_back(&w);
-        paare(*q).push_back(&w);
-    }
+// Sorts the particles into the grid's cells, in vector order.
+template <class T> void _binne(const SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g) {
+    const double h = disc.h;
+    const double* min = disc.min.data();
+    g.fuellen(teilchen, [&](const T& t) {
+        return g.zelle(zelle(t.r[0], min[0], h, g.nx), zelle(t.r[1], min[1], h, g.ny),
+                       zelle(t.r[2], min[2], h, g.nz));
+    });
 }
 
-// Bins the particles and finds all pairs closer than h.
+// Bins the particles and appends every pair closer than h (strictly) to ww.
+// summe[i] becomes 1 + the sum of W over particle i's pairs, added in the
+// order of its pair list (the order in which its pairs are found).
 template <class T, class W>
-void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter,
-               std::list<W>& ww, PhysSystem& phys) {
+void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paarliste<W>& ww,
+               PhysSystem& phys, std::vector<double>& summe) {
     ww.clear();
-    for (auto& scheibe : gitter)
-        for (auto& saeule : scheibe)
-            for (auto& z : saeule)
-                z.clear();
-    const int nx = static_cast<int>(gitter.size());
-    const int ny = nx > 0 ? static_cast<int>(gitter[0].size()) : 0;
-    const int nz = ny > 0 ? static_cast<int>(gitter[0][0].size()) : 0;
-    for (T& t : teilchen) {
-        int i = zelle(t.r[0], disc.min[0], disc.h, nx);
-        int j = zelle(t.r[1], disc.min[1], disc.h, ny);
-        int k = zelle(t.r[2], disc.min[2], disc.h, nz);
-        gitter[i][j][k].push_back(&t);
-    }
+    summe.assign(teilchen.size(), 1.0);
+    _binne(disc, teilchen, g);
 
     Kernel& kernel = *phys.kernel;
-    const double h2 = disc.h2;
-    // Neighbour cell: its particles in the outer loop, the home cell's inner.
-    auto nachbar = [&](const std::vector<T*>& heim, const std::vector<T*>& andere) {
-        for (T* p : andere)
-            for (T* q : heim)
-                _kandidat(p, q, ww, h2, kernel);
-    };
-    for (int i = 1; i <= nx - 2; ++i)
-        for (int j = 1; j <= ny - 2; ++j)
-            for (int k = 1; k <= nz - 2; ++k) {
-                const std::vector<T*>& heim = gitter[i][j][k];
-                for (std::size_t m = 0; m < heim.size(); ++m)
-                    for (std::size_t n = m + 1; n < heim.size(); ++n)
-                        _kandidat(heim[m], heim[n], ww, h2, kernel);
-                nachbar(heim, gitter[i][j][k + 1]);
-                for (int c = -1; c <= 1; ++c)
-                    nachbar(heim, gitter[i][j + 1][k + c]);
-                for (int b = -1; b <= 1; ++b)
-                    for (int c = -1; c <= 1; ++c)
-                        nachbar(heim, gitter[i + 1][j + b][k + c]);
-            }
+    const double *vx = g.vx.data(), *vy = g.vy.data(), *vz = g.vz.data();
+    // p is the particle of the outer loop and becomes the pair's first partner.
+    g.suche(disc.h2, [&](std::uint32_t p, std::uint32_t q, const double s[3], double s2) {
+        const std::uint32_t ip = g.index[p], iq = g.index[q];
+        T* tp = &teilchen[ip];
+        T* tq = &teilchen[iq];
+        const double dv[3] = {vx[q] - vx[p], vy[q] - vy[p], vz[q] - vz[p]};
+        W& w = ww.emplace_back();
+        w._init(tp, tq, s, s2, dv, kernel);
+        paare(*tp).push_back(&w);
+        paare(*tq).push_back(&w);
+        summe[ip] += w.W;
+        summe[iq] += w.W;
+    });
 }
 
 // Preparation of every evaluation of the forces: accelerations to zero, the
 // pairs anew, the pair count on the console, and each particle's own state
 // (density, and the equation of state for the gas discs).
 template <class T, class W>
-void _force_init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter,
-                 std::list<W>& ww, PhysSystem& phys) {
+void _force_init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter, Paarliste<W>& ww,
+                 PhysSystem& phys) {
     for (T& t : teilchen) {
         t.init();
         paare(t).clear();
     }
-    _createww(disc, teilchen, gitter, ww, phys);
+    std::vector<double>& summe = disc.puffer;
+    _createww(disc, teilchen, gitter, ww, phys, summe);
     std::cout << "Anzahl WWPartnern: " << static_cast<unsigned>(ww.size()) << '\n';
-    for (T& t : teilchen)
-        t._force_init(phys);
+    for (std::size_t i = 0; i < teilchen.size(); ++i)
+        teilchen[i]._dichte(summe[i], phys);
 }
 
 } // namespace scheibe

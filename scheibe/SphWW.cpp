@@ -9,13 +9,13 @@
 SphWW::SphWW() : r(0.0, 3), dv(0.0, 3), dW(0.0, 3) {}
 
 void SphWW::_init(SphTeilchen* p, SphTeilchen* q, const double s[3], double s2,
-                  Kernel& kernel) {
+                  const double geschwDiff[3], Kernel& kernel) {
     t1 = p;
     t2 = q;
     d = std::sqrt(s2);
     for (int k = 0; k < 3; ++k) {
         r[k] = s[k];
-        dv[k] = q->v[k] - p->v[k];
+        dv[k] = geschwDiff[k];
         dW[k] = -s[k];
     }
     W = kernel.W_ohne_fak(d, dW);

@@ -21,8 +21,9 @@ public:
     SphWW();
 
     // Fills the pair of p (first) and q (second) from their separation
-    // s = q.r - p.r, s2 = |s|^2.
-    void _init(SphTeilchen* p, SphTeilchen* q, const double s[3], double s2, Kernel& kernel);
+    // s = q.r - p.r, s2 = |s|^2, and velocity difference dv = q.v - p.v.
+    void _init(SphTeilchen* p, SphTeilchen* q, const double s[3], double s2, const double dv[3],
+               Kernel& kernel);
 
     // The gradient as seen from particle p: dW for t1, -dW for t2.
     std::valarray<double> _dW_ohne_fak(SphTeilchen* p) const;

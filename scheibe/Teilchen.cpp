@@ -4,7 +4,9 @@
 
 Teilchen::Teilchen() : r(0.0, 3), v(0.0, 3), a(0.0, 3) {}
 
-void Teilchen::init() { a = 0.0; }
+void Teilchen::init() {
+    a = 0.0;
+}
 
 double Teilchen::max_v_koord() const {
     double m = 0.0;

@@ -55,8 +55,7 @@ TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
     for (int n : {0, 1, 40, 600}) {
         Gasscheibe g;
         const double h = g.s.h;
-        const int nx = static_cast<int>(g.s.gitter->size()), ny = (*g.s.gitter)[0].size(),
-                  nz = (*g.s.gitter)[0][0].size();
+        const int nx = g.s.gitter->nx, ny = g.s.gitter->ny, nz = g.s.gitter->nz;
         g.s.teilchen.resize(n);
         for (int i = 0; i < n; ++i) {
             auto& r = g.s.teilchen[i].r;

@@ -1,0 +1,270 @@
+// Benchmarks of the force evaluation: the pair search (force_init), each
+// force, and a whole Cash-Karp step with all four forces, on discs of 1e3,
+// 1e4 and 1e5 particles. Beside the grid search, two peers find the same
+// pairs: a k-d tree radius search (nanoflann) and, at the small size, brute
+// force; both are checked to find exactly the grid's pair set. Heap
+// allocations are counted per evaluation and per step in the steady state.
+
+#include "bench/Szenario.h"
+#include "bench/Zuweisungen.h"
+#include "kraefte/Artvisc.h"
+#include "kraefte/Externforce.h"
+#include "kraefte/Kraefte.h"
+#include "kraefte/Physvisc.h"
+#include "kraefte/Pressure.h"
+#include "odeint/RungeKutta.h"
+#include "scheibe/PhysviscAkkScheibe.h"
+#include "scheibe/SphTemplates.h"
+
+#include <benchmark/benchmark.h>
+#include <nanoflann.hpp>
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace {
+
+Szenario& szenario(long n) {
+    static std::map<long, std::unique_ptr<Szenario>> cache;
+    auto& s = cache[n];
+    if (!s)
+        s = std::make_unique<Szenario>(n);
+    return *s;
+}
+
+// The discs print their pair count at every evaluation; not here.
+struct Stumm {
+    std::streambuf* alt = std::cout.rdbuf(nullptr);
+    ~Stumm() {
+        std::cout.rdbuf(alt);
+        std::cout.clear();
+    }
+};
+
+void paarZaehler(benchmark::State& state, double paare) {
+    const double gesamt = paare * double(state.iterations());
+    state.counters["pairs"] = paare;
+    state.counters["pairs_per_s"] = benchmark::Counter(gesamt, benchmark::Counter::kIsRate);
+    state.counters["s_per_pair"] =
+        benchmark::Counter(gesamt, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+using Paarmenge = std::vector<std::pair<std::size_t, std::size_t>>;
+
+// Unordered index pairs of a disc's pair list, sorted.
+template <class D> Paarmenge paareVon(D& s) {
+    Paarmenge m;
+    for (auto& w : *s.ww) {
+        std::size_t i = w.t1 - static_cast<SphTeilchen*>(&s.teilchen[0]);
+        std::size_t j = w.t2 - static_cast<SphTeilchen*>(&s.teilchen[0]);
+        m.emplace_back(std::min(i, j), std::max(i, j));
+    }
+    std::sort(m.begin(), m.end());
+    return m;
+}
+
+void BM_ForceInit_Sph(benchmark::State& state) {
+    Szenario& sz = szenario(state.range(0));
+    Stumm stumm;
+    SphAkkScheibe s(*sz.initScheibe, *sz.phys);
+    s.force_init(*sz.phys);
+    const std::size_t vorher = anzahlZuweisungen();
+    for (auto _ : state)
+        s.force_init(*sz.phys);
+    state.counters["allocs_per_eval"] =
+        double(anzahlZuweisungen() - vorher) / double(state.iterations());
+    paarZaehler(state, double(s.ww->size()));
+}
+
+void BM_ForceInit_Physvisc(benchmark::State& state) {
+    Szenario& sz = szenario(state.range(0));
+    Stumm stumm;
+    PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
+    s.force_init(*sz.phys);
+    const std::size_t vorher = anzahlZuweisungen();
+    for (auto _ : state)
+        s.force_init(*sz.phys);
+    state.counters["allocs_per_eval"] =
+        double(anzahlZuweisungen() - vorher) / double(state.iterations());
+    paarZaehler(state, double(s.ww->size()));
+}
+
+// One force alone on a prepared disc (the forces only add to a).
+template <class Kraft> void BM_Kraft(benchmark::State& state) {
+    Szenario& sz = szenario(state.range(0));
+    Stumm stumm;
+    PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
+    s.force_init(*sz.phys);
+    Kraft kraft;
+    kraft.deriv_ohne_init(s, *sz.phys);
+    const std::size_t vorher = anzahlZuweisungen();
+    for (auto _ : state)
+        kraft.deriv_ohne_init(s, *sz.phys);
+    state.counters["allocs_per_eval"] =
+        double(anzahlZuweisungen() - vorher) / double(state.iterations());
+    paarZaehler(state, double(s.ww->size()));
+}
+
+// One step as the main loop makes it: the forces on the disc, then the
+// stepper (five more evaluations per try), with a fixed trial step of 1 s.
+// Steps before counting: the pair lists of all stage discs grow to their size.
+const int aufwaermen = 20;
+
+void BM_RungeKuttaSchritt(benchmark::State& state) {
+    Szenario& sz = szenario(state.range(0));
+    Stumm stumm;
+    PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
+    Kraefte kraefte;
+    kraefte.add(new Externforce());
+    kraefte.add(new Pressure());
+    kraefte.add(new Artvisc());
+    kraefte.add(new Physvisc());
+    RungeKutta rk(s, *sz.initOdeint);
+    double hdid = 0, hnext = 0;
+    auto schritt = [&] {
+        rk.h = 1.0;
+        kraefte.derivatives(s, *sz.phys);
+        rk.stepper(s, *sz.phys, kraefte, &hdid, &hnext);
+    };
+    for (int i = 0; i < aufwaermen; ++i)
+        schritt();
+    const std::size_t vorher = anzahlZuweisungen();
+    for (auto _ : state)
+        schritt();
+    state.counters["allocs_per_step"] =
+        double(anzahlZuweisungen() - vorher) / double(state.iterations());
+    paarZaehler(state, double(s.ww->size()));
+}
+
+// The grid search alone, as force_init runs it (binning, then the half
+// shell), without filling pair records: the like-for-like peer of the k-d
+// tree. Checked to yield force_init's pairs in force_init's order.
+void BM_Gittersuche(benchmark::State& state) {
+    Szenario& sz = szenario(state.range(0));
+    Stumm stumm;
+    SphAkkScheibe s(*sz.initScheibe, *sz.phys);
+    s.force_init(*sz.phys);
+    Gitter<SphTeilchen>& g = *s.gitter;
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> gefunden;
+    gefunden.reserve(s.ww->size());
+    auto suche = [&] {
+        gefunden.clear();
+        scheibe::_binne(s, s.teilchen, g);
+        g.suche(s.h2, [&](std::uint32_t p, std::uint32_t q, const double*, double) {
+            gefunden.emplace_back(g.index[p], g.index[q]);
+        });
+    };
+    suche();
+    std::size_t n = 0;
+    for (auto& w : *s.ww) {
+        const SphTeilchen* basis = &s.teilchen[0];
+        if (n >= gefunden.size() ||
+            gefunden[n] != std::make_pair(std::uint32_t(w.t1 - basis), std::uint32_t(w.t2 - basis)))
+            break;
+        ++n;
+    }
+    if (n != s.ww->size() || gefunden.size() != n)
+        state.SkipWithError("the grid search differs from force_init's pairs");
+    for (auto _ : state)
+        suche();
+    paarZaehler(state, double(gefunden.size()));
+}
+
+// nanoflann's view of the particle positions.
+struct Punktwolke {
+    std::vector<std::array<double, 3>> p;
+    std::size_t kdtree_get_point_count() const { return p.size(); }
+    double kdtree_get_pt(std::size_t i, std::size_t k) const { return p[i][k]; }
+    template <class B> bool kdtree_get_bbox(B&) const { return false; }
+};
+using KdBaum = nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, Punktwolke>,
+                                                   Punktwolke, 3>;
+
+// Tree build plus a radius search around every particle, in the disc's
+// order; each pair is found from both ends, as is the peer's nature.
+Paarmenge kdSuche(SphAkkScheibe& s, double h2, bool sammeln) {
+    Punktwolke wolke;
+    wolke.p.resize(s.teilchen.size());
+    for (std::size_t i = 0; i < s.teilchen.size(); ++i)
+        for (int k = 0; k < 3; ++k)
+            wolke.p[i][k] = s.teilchen[i].r[k];
+    KdBaum baum(3, wolke, nanoflann::KDTreeSingleIndexAdaptorParams(10));
+    nanoflann::SearchParams params;
+    params.sorted = false;
+    std::vector<std::pair<uint32_t, double>> treffer;
+    Paarmenge m;
+    std::size_t anzahl = 0;
+    for (std::size_t i = 0; i < wolke.p.size(); ++i) {
+        baum.radiusSearch(wolke.p[i].data(), h2, treffer, params);
+        for (const auto& t : treffer)
+            if (t.first > i) {
+                ++anzahl;
+                if (sammeln)
+                    m.emplace_back(i, t.first);
+            }
+    }
+    std::sort(m.begin(), m.end());
+    benchmark::DoNotOptimize(anzahl);
+    return m;
+}
+
+void BM_Nanoflann(benchmark::State& state) {
+    Szenario& sz = szenario(state.range(0));
+    Stumm stumm;
+    SphAkkScheibe s(*sz.initScheibe, *sz.phys);
+    s.force_init(*sz.phys);
+    if (kdSuche(s, s.h2, true) != paareVon(s))
+        state.SkipWithError("nanoflann finds another pair set than the grid");
+    for (auto _ : state)
+        kdSuche(s, s.h2, false);
+    paarZaehler(state, double(s.ww->size()));
+}
+
+void BM_BruteForce(benchmark::State& state) {
+    Szenario& sz = szenario(state.range(0));
+    Stumm stumm;
+    SphAkkScheibe s(*sz.initScheibe, *sz.phys);
+    s.force_init(*sz.phys);
+    Paarmenge m;
+    for (auto _ : state) {
+        m.clear();
+        for (std::size_t i = 0; i < s.teilchen.size(); ++i)
+            for (std::size_t j = i + 1; j < s.teilchen.size(); ++j) {
+                const auto &a = s.teilchen[i].r, &b = s.teilchen[j].r;
+                double d[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
+                if (d[0] * d[0] + d[1] * d[1] + d[2] * d[2] < s.h2)
+                    m.emplace_back(i, j);
+            }
+    }
+    if (m != paareVon(s))
+        state.SkipWithError("brute force finds another pair set than the grid");
+    paarZaehler(state, double(s.ww->size()));
+}
+
+const std::vector<long> groessen = {1000, 10000, 100000};
+
+void groesse(benchmark::internal::Benchmark* b) {
+    for (long n : groessen)
+        b->Arg(n);
+    b->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK(BM_ForceInit_Sph)->Apply(groesse);
+BENCHMARK(BM_ForceInit_Physvisc)->Apply(groesse);
+BENCHMARK(BM_Gittersuche)->Apply(groesse);
+BENCHMARK(BM_Nanoflann)->Apply(groesse);
+BENCHMARK(BM_BruteForce)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Kraft, Externforce)->Apply(groesse);
+BENCHMARK_TEMPLATE(BM_Kraft, Pressure)->Apply(groesse);
+BENCHMARK_TEMPLATE(BM_Kraft, Artvisc)->Apply(groesse);
+BENCHMARK_TEMPLATE(BM_Kraft, Physvisc)->Apply(groesse);
+BENCHMARK(BM_RungeKuttaSchritt)->Apply(groesse);
+
+} // namespace
+
+BENCHMARK_MAIN();

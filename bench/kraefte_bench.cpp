@@ -68,23 +68,11 @@ template <class D> Paarmenge paareVon(D& s) {
     return m;
 }
 
-void BM_ForceInit_Sph(benchmark::State& state) {
+// Pair search, pair records and per-particle state of one disc class.
+template <class Scheibe> void BM_ForceInit(benchmark::State& state) {
     Szenario& sz = szenario(state.range(0));
     Stumm stumm;
-    SphAkkScheibe s(*sz.initScheibe, *sz.phys);
-    s.force_init(*sz.phys);
-    const std::size_t vorher = anzahlZuweisungen();
-    for (auto _ : state)
-        s.force_init(*sz.phys);
-    state.counters["allocs_per_eval"] =
-        double(anzahlZuweisungen() - vorher) / double(state.iterations());
-    paarZaehler(state, double(s.ww->size()));
-}
-
-void BM_ForceInit_Physvisc(benchmark::State& state) {
-    Szenario& sz = szenario(state.range(0));
-    Stumm stumm;
-    PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
+    Scheibe s(*sz.initScheibe, *sz.phys);
     s.force_init(*sz.phys);
     const std::size_t vorher = anzahlZuweisungen();
     for (auto _ : state)
@@ -254,8 +242,8 @@ void groesse(benchmark::internal::Benchmark* b) {
     b->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(BM_ForceInit_Sph)->Apply(groesse);
-BENCHMARK(BM_ForceInit_Physvisc)->Apply(groesse);
+BENCHMARK_TEMPLATE(BM_ForceInit, SphAkkScheibe)->Apply(groesse);
+BENCHMARK_TEMPLATE(BM_ForceInit, PhysviscAkkScheibe)->Apply(groesse);
 BENCHMARK(BM_Gittersuche)->Apply(groesse);
 BENCHMARK(BM_Nanoflann)->Apply(groesse);
 BENCHMARK(BM_BruteForce)->Arg(1000)->Unit(benchmark::kMillisecond);

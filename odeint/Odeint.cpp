@@ -7,7 +7,6 @@
 
 #include <cmath>
 #include <iostream>
-#include <vector>
 
 Odeint::Odeint(InitOdeint& init)
     : h(init.Anfangsschrittweite), eps(init.Genauigkeit), outputfiles(init.Outputfiles),
@@ -24,10 +23,9 @@ void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraeft
         aus << "Odeint: Fehler: Outputfiles muss mindestens 1 sein !\n";
         return;
     }
-    // Evenly spaced output times; the last one is the end time.
-    std::vector<double> tout(static_cast<std::size_t>(outputfiles));
-    for (int k = 0; k < outputfiles; ++k)
-        tout[k] = ((k + 1) * (outputtime - t0)) / outputfiles + t0;
+    // Evenly spaced output times; the last one is the end time. Formed when
+    // needed rather than tabulated: the count comes from a hand-edited file.
+    auto tout = [&](int k) { return ((k + 1) * (outputtime - t0)) / outputfiles + t0; };
 
     int kout = 0;
     const double rmin2 = phys.eta * phys.eta;
@@ -40,8 +38,8 @@ void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraeft
     double hdid = 0, hnext = 0;
     for (;;) {
         kraefte.derivatives(scheibe, phys);
-        if (scheibe.t() + h - tout[kout] > 0)
-            h = tout[kout] - scheibe.t();
+        if (scheibe.t() + h - tout(kout) > 0)
+            h = tout(kout) - scheibe.t();
         stepper(scheibe, phys, kraefte, &hdid, &hnext);
         aus << "step: " << nstp << " akk.t: " << scheibe.t() << '\n';
         if (hdid == h)
@@ -70,7 +68,7 @@ void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraeft
         }
 
         // Output time reached, whichever the direction of integration.
-        if ((scheibe.t() - tout[kout]) * (tout[kout] - t0) >= 0) {
+        if ((scheibe.t() - tout(kout)) * (tout(kout) - t0) >= 0) {
             if (kout >= outputfiles - 1) {
                 scheibe.output(phys);
                 aus << "remove_count :" << remove_count << '\n';

@@ -1,21 +1,39 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 // Cell grid of an SPH disc with nx * ny * nz cells of edge h. At each
-// evaluation the particles are sorted by cell (a stable counting sort, so
-// within a cell they keep the order of the particle vector) and their
-// positions copied next to each other: the pair search then reads
-// contiguous memory instead of chasing particle pointers.
+// evaluation the particles are sorted by cell (stably, so within a cell they
+// keep the order of the particle vector) and their positions and velocities
+// copied next to each other: the pair search then reads contiguous memory
+// instead of chasing particle pointers.
+//
+// Up to 2^24 cells the grid keeps a table of every cell's slots. A smoothing
+// length far below the box (a slip in the parameter file) would make that
+// table unallocatable; such a grid keeps only its occupied cells, in
+// (i, j, k) order, and finds a neighbour by binary search. Both forms visit
+// the same cells in the same order, so the pairs are the same.
 template <class T> class Gitter {
 public:
-    int nx = 0, ny = 0, nz = 0; // cells per axis
+    using Index = std::array<int, 3>; // (i, j, k)
 
-    // Particles of cell c: slots anfang[c] .. anfang[c + 1] - 1 of the arrays below.
+    int nx = 0, ny = 0, nz = 0; // cells per axis
+    bool dicht = true;          // table of all cells (else: occupied cells only)
+
+    // Dense grid: the particles of cell c are at slots anfang[c] .. anfang[c + 1] - 1.
     std::vector<std::uint32_t> anfang;
+    // Sparse grid: the occupied cells in (i, j, k) order with their slots.
+    struct Zelle {
+        Index ijk;
+        std::uint32_t anfang, ende;
+    };
+    std::vector<Zelle> belegt;
+
     std::vector<double> x, y, z;      // positions, by slot
     std::vector<double> vx, vy, vz;   // velocities, by slot
     std::vector<std::uint32_t> index; // index in the particle vector, by slot
@@ -24,44 +42,26 @@ public:
         nx = nx_;
         ny = ny_;
         nz = nz_;
-        anfang.assign(zellen() + 1, 0);
+        dicht = double(nx) * double(ny) * double(nz) <= double(1 << 24);
+        if (dicht)
+            anfang.assign(std::size_t(nx) * std::size_t(ny) * std::size_t(nz) + 1, 0);
     }
 
-    std::size_t zellen() const { return std::size_t(nx) * std::size_t(ny) * std::size_t(nz); }
     std::size_t zelle(int i, int j, int k) const {
         return (std::size_t(i) * std::size_t(ny) + std::size_t(j)) * std::size_t(nz) +
                std::size_t(k);
     }
 
-    // Sorts the particles into the cells; zelleVon(t) gives a particle's cell.
+    // Sorts the particles into the cells; zelleVon(t) gives a particle's (i, j, k).
     template <class Z> void fuellen(std::vector<T>& alle, Z zelleVon) {
         const std::size_t n = alle.size();
-        std::fill(anfang.begin(), anfang.end(), 0u);
-        zelleVonSlot.resize(n);
-        for (std::size_t p = 0; p < n; ++p) {
-            zelleVonSlot[p] = zelleVon(alle[p]);
-            ++anfang[zelleVonSlot[p] + 1];
-        }
-        for (std::size_t c = 1; c < anfang.size(); ++c)
-            anfang[c] += anfang[c - 1];
         for (auto* a : {&x, &y, &z, &vx, &vy, &vz})
             a->resize(n);
         index.resize(n);
-        // anfang[c] serves as the cursor of cell c and ends at the start of c + 1.
-        for (std::size_t p = 0; p < n; ++p) {
-            const std::uint32_t s = anfang[zelleVonSlot[p]]++;
-            const T& t = alle[p];
-            x[s] = t.r[0];
-            y[s] = t.r[1];
-            z[s] = t.r[2];
-            vx[s] = t.v[0];
-            vy[s] = t.v[1];
-            vz[s] = t.v[2];
-            index[s] = static_cast<std::uint32_t>(p);
-        }
-        for (std::size_t c = anfang.size() - 1; c > 0; --c)
-            anfang[c] = anfang[c - 1];
-        anfang[0] = 0;
+        if (dicht)
+            sortiereDicht(alle, zelleVon);
+        else
+            sortiereDuenn(alle, zelleVon);
     }
 
     // Calls paar(p, q, s, s2) for every two slots closer than sqrt(h2)
@@ -79,30 +79,101 @@ public:
             if (s2 < h2)
                 paar(p, q, s, s2);
         };
-        for (int i = 1; i <= nx - 2; ++i)
-            for (int j = 1; j <= ny - 2; ++j)
-                for (int k = 1; k <= nz - 2; ++k) {
-                    const std::size_t heim = zelle(i, j, k);
-                    const std::uint32_t a = anfang[heim], e = anfang[heim + 1];
-                    if (a == e)
-                        continue;
-                    for (std::uint32_t m = a; m < e; ++m)
-                        for (std::uint32_t n = m + 1; n < e; ++n)
-                            kandidat(m, n);
-                    auto nachbar = [&](std::size_t c) {
-                        for (std::uint32_t p = anfang[c], pe = anfang[c + 1]; p < pe; ++p)
-                            for (std::uint32_t q = a; q < e; ++q)
-                                kandidat(p, q);
-                    };
-                    nachbar(zelle(i, j, k + 1));
-                    for (int c = -1; c <= 1; ++c)
-                        nachbar(zelle(i, j + 1, k + c));
-                    for (int b = -1; b <= 1; ++b)
-                        for (int c = -1; c <= 1; ++c)
-                            nachbar(zelle(i + 1, j + b, k + c));
-                }
+        auto heimzelle = [&](int i, int j, int k, std::uint32_t a, std::uint32_t e) {
+            for (std::uint32_t m = a; m < e; ++m)
+                for (std::uint32_t n = m + 1; n < e; ++n)
+                    kandidat(m, n);
+            auto nachbar = [&](int ni, int nj, int nk) {
+                const auto [pa, pe] = bereich(ni, nj, nk);
+                for (std::uint32_t p = pa; p < pe; ++p)
+                    for (std::uint32_t q = a; q < e; ++q)
+                        kandidat(p, q);
+            };
+            nachbar(i, j, k + 1);
+            for (int c = -1; c <= 1; ++c)
+                nachbar(i, j + 1, k + c);
+            for (int b = -1; b <= 1; ++b)
+                for (int c = -1; c <= 1; ++c)
+                    nachbar(i + 1, j + b, k + c);
+        };
+        if (dicht) {
+            for (int i = 1; i <= nx - 2; ++i)
+                for (int j = 1; j <= ny - 2; ++j)
+                    for (int k = 1; k <= nz - 2; ++k) {
+                        const std::size_t c = zelle(i, j, k);
+                        if (anfang[c] != anfang[c + 1])
+                            heimzelle(i, j, k, anfang[c], anfang[c + 1]);
+                    }
+        } else {
+            for (const Zelle& c : belegt) {
+                const auto [i, j, k] = c.ijk;
+                if (i >= 1 && i <= nx - 2 && j >= 1 && j <= ny - 2 && k >= 1 && k <= nz - 2)
+                    heimzelle(i, j, k, c.anfang, c.ende);
+            }
+        }
     }
 
 private:
-    std::vector<std::size_t> zelleVonSlot;
+    std::vector<std::size_t> zelleVonSlot;                  // dense: cell of each particle
+    std::vector<std::pair<Index, std::uint32_t>> nachZelle; // sparse: (cell, particle)
+
+    // Slots of cell (i, j, k), empty when it holds no particle.
+    std::pair<std::uint32_t, std::uint32_t> bereich(int i, int j, int k) const {
+        if (dicht) {
+            const std::size_t c = zelle(i, j, k);
+            return {anfang[c], anfang[c + 1]};
+        }
+        const Index gesucht{i, j, k};
+        auto it = std::lower_bound(belegt.begin(), belegt.end(), gesucht,
+                                   [](const Zelle& c, const Index& g) { return c.ijk < g; });
+        if (it == belegt.end() || it->ijk != gesucht)
+            return {0, 0};
+        return {it->anfang, it->ende};
+    }
+
+    void setze(std::uint32_t s, const T& t, std::size_t p) {
+        x[s] = t.r[0];
+        y[s] = t.r[1];
+        z[s] = t.r[2];
+        vx[s] = t.v[0];
+        vy[s] = t.v[1];
+        vz[s] = t.v[2];
+        index[s] = static_cast<std::uint32_t>(p);
+    }
+
+    // Counting sort over the table of cells.
+    template <class Z> void sortiereDicht(std::vector<T>& alle, Z zelleVon) {
+        const std::size_t n = alle.size();
+        std::fill(anfang.begin(), anfang.end(), 0u);
+        zelleVonSlot.resize(n);
+        for (std::size_t p = 0; p < n; ++p) {
+            const Index c = zelleVon(alle[p]);
+            zelleVonSlot[p] = zelle(c[0], c[1], c[2]);
+            ++anfang[zelleVonSlot[p] + 1];
+        }
+        for (std::size_t c = 1; c < anfang.size(); ++c)
+            anfang[c] += anfang[c - 1];
+        // anfang[c] serves as the cursor of cell c and ends at the start of c + 1.
+        for (std::size_t p = 0; p < n; ++p)
+            setze(anfang[zelleVonSlot[p]]++, alle[p], p);
+        for (std::size_t c = anfang.size() - 1; c > 0; --c)
+            anfang[c] = anfang[c - 1];
+        anfang[0] = 0;
+    }
+
+    // Sort by (cell, particle index), then the list of occupied cells.
+    template <class Z> void sortiereDuenn(std::vector<T>& alle, Z zelleVon) {
+        const std::size_t n = alle.size();
+        nachZelle.resize(n);
+        for (std::size_t p = 0; p < n; ++p)
+            nachZelle[p] = {zelleVon(alle[p]), static_cast<std::uint32_t>(p)};
+        std::sort(nachZelle.begin(), nachZelle.end());
+        belegt.clear();
+        for (std::uint32_t s = 0; s < n; ++s) {
+            setze(s, alle[nachZelle[s].second], nachZelle[s].second);
+            if (belegt.empty() || belegt.back().ijk != nachZelle[s].first)
+                belegt.push_back({nachZelle[s].first, s, s});
+            belegt.back().ende = s + 1;
+        }
+    }
 };

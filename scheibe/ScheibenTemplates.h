@@ -98,6 +98,13 @@ template <class P> void _output(AkkScheibe& disc, std::vector<P>& teilchen, Phys
             datei << t.v[k] << "  ";
         datei << '\n';
     }
+    // A snapshot that opened but could not be written whole (a full disc)
+    // must not be lost without a word.
+    if (datei.is_open()) {
+        datei.close();
+        if (!datei)
+            std::cerr << "error: unable to write output file!\n";
+    }
 }
 
 // Removes particle i; the order of the others is kept.

@@ -25,11 +25,12 @@
 namespace scheibe {
 
 // Cells per axis for a box edge of `laenge`: floor(laenge / h) + 2. A
-// degenerate h (zero, negative, not a number) or an absurd count gives 2
-// cells, which have no home cell, so the disc then has no pairs.
+// degenerate h (zero, negative) or a count beyond int gives 2 cells, which
+// have no home cell: the disc then has no pairs, as no two particles are
+// closer than such an h.
 inline int zellenzahl(double laenge, double h) {
     double n = std::floor(laenge / h) + 2;
-    if (!(n >= 2 && n <= 1e8))
+    if (!(n >= 2 && n <= 2147483647.0))
         return 2;
     return static_cast<int>(n);
 }
@@ -66,8 +67,9 @@ template <class T> void _binne(const SphAkkScheibe& disc, std::vector<T>& teilch
     const double h = disc.h;
     const double* min = disc.min.data();
     g.fuellen(teilchen, [&](const T& t) {
-        return g.zelle(zelle(t.r[0], min[0], h, g.nx), zelle(t.r[1], min[1], h, g.ny),
-                       zelle(t.r[2], min[2], h, g.nz));
+        return typename Gitter<T>::Index{zelle(t.r[0], min[0], h, g.nx),
+                                         zelle(t.r[1], min[1], h, g.ny),
+                                         zelle(t.r[2], min[2], h, g.nz)};
     });
 }
 

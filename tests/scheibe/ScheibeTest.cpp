@@ -79,4 +79,17 @@ TEST(Schnappschuss, NichtZuOeffnendeDateien) {
                           "error: unable to open output file!\n");
 }
 
+TEST(Schnappschuss, VolleAusgabeWirdGemeldet) {
+    // The snapshot for time 0 of disc "o/S-..." is o/S-0, here a link to a full device.
+    PhysSystem p = physik();
+    hilfen::TempOrdner o;
+    std::filesystem::create_symlink("/dev/full", o.datei("S-0"));
+    AkkScheibe s;
+    s.name = o.datei("S-x");
+    s.teilchen.resize(2000); // more than the stream's buffer, so the write itself fails
+    hilfen::Mitschnitt err(std::cerr);
+    s.output(p);
+    EXPECT_EQ(err.text(), "error: unable to write output file!\n");
+}
+
 } // namespace

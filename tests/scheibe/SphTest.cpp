@@ -19,18 +19,19 @@
 
 namespace {
 
-// The default binary with h = 0.02 and an initially empty gas disc; the
-// tests put their particles into it directly.
+// The default binary with h = 0.02 (or the given smoothing length) and an
+// initially empty gas disc; the tests put their particles into it directly.
 struct Dateien {
     hilfen::TempOrdner ordner;
     std::string param = ordner.datei("p"), disc = ordner.datei("Akk-0");
-    Dateien() {
-        hilfen::schreibe(param, hilfen::parameter(""));
+    explicit Dateien(const std::string& zusatz = "") {
+        hilfen::schreibe(param, hilfen::parameter(zusatz));
         hilfen::schreibe(disc, "Teilchenanzahl 0 Teilchendaten:\n");
     }
 };
 
 struct Gasscheibe {
+    explicit Gasscheibe(const std::string& zusatz = "") : d(zusatz) {}
     Dateien d;
     InitPhysSystem ip{d.param.c_str(), d.disc.c_str()};
     Kernel1 kernel{ip};
@@ -52,9 +53,12 @@ int zelle(double x, double min, double h, int n) {
 TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
     std::mt19937_64 zufall(7);
     std::uniform_real_distribution<double> gleich(0, 1);
-    for (int n : {0, 1, 40, 600}) {
-        Gasscheibe g;
-        const double h = g.s.h;
+    // h = 1e-4 makes some 7e10 cells: the grid keeps only the occupied ones.
+    for (auto [n, glaettung] : {std::pair{0, ""}, {1, ""}, {40, ""}, {600, ""},
+                                {600, "Smoothinglength 1e-4"}}) {
+        Gasscheibe g(glaettung);
+        const double h = g.s.h, f = h / 0.02;
+        EXPECT_EQ(g.s.gitter->dicht, f == 1);
         const int nx = g.s.gitter->nx, ny = g.s.gitter->ny, nz = g.s.gitter->nz;
         g.s.teilchen.resize(n);
         for (int i = 0; i < n; ++i) {
@@ -63,7 +67,7 @@ TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
             // in z; every fifth particle sits exactly on a cell boundary in x,
             // every seventh at distance exactly h from its predecessor.
             for (int k = 0; k < 3; ++k)
-                r[k] = g.phys.x1[0] * (k == 0) + (gleich(zufall) - 0.5) * 0.12;
+                r[k] = g.phys.x1[0] * (k == 0) + (gleich(zufall) - 0.5) * 0.12 * f;
             if (i % 5 == 0)
                 r[0] = g.s.min[0] + h * std::floor((r[0] - g.s.min[0]) / h);
             if (i % 7 == 6)

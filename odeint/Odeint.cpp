@@ -84,9 +84,11 @@ void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraeft
         if (std::fabs(hnext) <= hmin)
             aus << "Step size too small in odeint\n";
         h = hnext;
-        ++nstp;
         aus.flush(); // one visible progress line per step
-        if (!(nstp <= maxstp))
+        // The next step number must not exceed the limit; tested before
+        // counting, so a limit of INT_MAX cannot overflow the counter.
+        if (!(nstp + 1.0 <= maxstp))
             return;
+        ++nstp;
     }
 }

@@ -51,8 +51,9 @@ struct Lauf {
 };
 
 // Runs the built executable with `ordner` as working directory (it reads
-// ordner/data/OYCar.parameter and ordner/data/Akk-OYCar-0).
-Lauf starte(const std::filesystem::path& ordner);
+// ordner/data/OYCar.parameter and ordner/data/Akk-OYCar-0). `vor` is shell
+// text put before the program, e.g. "ulimit -v 1000000 && timeout 60 ".
+Lauf starte(const std::filesystem::path& ordner, const std::string& vor = "");
 
 // A parameter file with every key of a test-particle run around the default
 // binary; `zusatz` is appended (forces, switches, overrides: the last

@@ -12,9 +12,13 @@
 // evaluation in the steady state allocates nothing. A reused pair keeps the
 // values of its last use in the fields that every pass computes before
 // reading them; the pair search overwrites all the others.
+//
+// Storage grows in blocks of 64, 128, ... up to 8192 pairs, so a small disc
+// builds few pairs and a large one few blocks.
 template <class W> class Paarliste {
-    static constexpr std::size_t blockBits = 10; // 1024 pairs per block
-    static constexpr std::size_t block = std::size_t(1) << blockBits;
+    static std::size_t groesse(std::size_t block) {
+        return block < 7 ? std::size_t(64) << block : std::size_t(8192);
+    }
 
 public:
     template <class L, class V> class Iterator {
@@ -26,10 +30,14 @@ public:
         using reference = V&;
 
         Iterator(L* liste, std::size_t i) : liste(liste), i(i) {}
-        V& operator*() const { return liste->bloecke[i >> blockBits][i & (block - 1)]; }
+        V& operator*() const { return liste->bloecke[block][stelle]; }
         V* operator->() const { return &**this; }
         Iterator& operator++() {
             ++i;
+            if (++stelle == groesse(block)) {
+                ++block;
+                stelle = 0;
+            }
             return *this;
         }
         bool operator==(const Iterator& o) const { return i == o.i; }
@@ -37,23 +45,33 @@ public:
 
     private:
         L* liste;
-        std::size_t i;
+        std::size_t i, block = 0, stelle = 0; // index, and where it lies
     };
     using iterator = Iterator<Paarliste, W>;
     using const_iterator = Iterator<const Paarliste, const W>;
 
     // Appends a pair and returns it.
     W& emplace_back() {
-        if (anzahl == bloecke.size() * block)
-            bloecke.push_back(std::make_unique<W[]>(block));
+        if (stelle == groesse(block) || bloecke.empty()) {
+            if (!bloecke.empty())
+                ++block;
+            stelle = 0;
+            if (block == bloecke.size())
+                bloecke.push_back(std::make_unique<W[]>(groesse(block)));
+        }
         ++anzahl;
-        return back();
+        letztes = &bloecke[block][stelle++];
+        return *letztes;
     }
-    void clear() { anzahl = 0; }
+    void clear() {
+        anzahl = 0;
+        block = 0;
+        stelle = 0;
+    }
     std::size_t size() const { return anzahl; }
     bool empty() const { return anzahl == 0; }
     W& front() { return bloecke[0][0]; }
-    W& back() { return bloecke[(anzahl - 1) >> blockBits][(anzahl - 1) & (block - 1)]; }
+    W& back() { return *letztes; }
     iterator begin() { return {this, 0}; }
     iterator end() { return {this, anzahl}; }
     const_iterator begin() const { return {this, 0}; }
@@ -62,4 +80,6 @@ public:
 private:
     std::vector<std::unique_ptr<W[]>> bloecke;
     std::size_t anzahl = 0;
+    std::size_t block = 0, stelle = 0; // where the next pair goes
+    W* letztes = nullptr;
 };

@@ -11,14 +11,16 @@ CC=clang CXX=clang++ cmake -S "$wurzel" -B "$bau" -DAKK_FUZZ=ON -DAKK_TESTS=OFF 
 cmake --build "$bau" -j2 --target fuzz_parameter fuzz_snapshot
 funde=$bau/fuzz-funde
 mkdir -p "$funde"
+# Scratch space in memory when possible. The targets put their files below
+# TMPDIR; a crashed target cannot clean up, so TMPDIR is inside the scratch.
+[ -w /dev/shm ] && export TMPDIR=/dev/shm
 arbeit=$(mktemp -d)
 trap 'rm -rf "$arbeit"' EXIT
+export TMPDIR=$arbeit
 # A smaller quarantine than the default 256 MB keeps the memory of freed
 # blocks warm and still spans many executions.
 export ASAN_OPTIONS=detect_leaks=1:halt_on_error=1:quarantine_size_mb=64
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-# The targets write their scratch files below TMPDIR; memory is much faster.
-[ -w /dev/shm ] && export TMPDIR=/dev/shm
 fehler=0
 for ziel in fuzz_parameter fuzz_snapshot; do
   # New inputs go to the scratch directory; the seeds in the repository are only read.

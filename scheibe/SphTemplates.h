@@ -25,9 +25,10 @@
 namespace scheibe {
 
 // Cells per axis for a box edge of `laenge`: floor(laenge / h) + 2. A
-// degenerate h (zero, negative) or a count beyond int gives 2 cells, which
-// have no home cell: the disc then has no pairs, as no two particles are
-// closer than such an h.
+// degenerate h (zero or negative) gives 2 cells, which have no home cell:
+// no pairs, as no two particles can be closer than such an h. A count beyond
+// int (h below some 4e-10 solar radii) is treated alike, dropping the pairs
+// of particles that close; cell indices of such a grid would not fit an int.
 inline int zellenzahl(double laenge, double h) {
     double n = std::floor(laenge / h) + 2;
     if (!(n >= 2 && n <= 2147483647.0))

@@ -3,6 +3,7 @@
 #include "kraefte/Scheibenfabrik.h"
 #include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
+#include "scheibe/Faeden.h"
 
 #include <cmath>
 
@@ -10,7 +11,10 @@ void Externforce::deriv_ohne_init(AkkScheibe& scheibe, PhysSystem& phys) {
     const double minusG = -3.9371199385708905e-7; // -G, R_sun^3 / (M_sun s^2)
     const double omega = phys.omega;
     const double omega2 = std::pow(omega, 2.0);
-    for (int i = 0; i < scheibe.tanz(); ++i) {
+    const int n = scheibe.tanz();
+    // Each particle on its own: spread over the threads.
+#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
+    for (int i = 0; i < n; ++i) {
         Teilchen& t = scheibe[i];
         double d1[3], d2[3];
         for (int k = 0; k < 3; ++k) {

@@ -51,7 +51,7 @@ void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraeft
         // beyond rMax leave the simulation.
         int i = 0;
         while (i < scheibe.tanz()) {
-            const std::valarray<double>& r = scheibe[i].r;
+            const Vektor3& r = scheibe[i].r;
             double d0 = r[0] - phys.x1[0];
             double d1 = r[1] - phys.x1[1];
             double d2 = r[2] - phys.x1[2];

@@ -1,10 +1,22 @@
 #include "odeint/RungeKutta.h"
 
 #include "kraefte/RechteSeiteDG.h"
+#include "scheibe/Faeden.h"
 #include "scheibe/AkkScheibe.h"
 
 #include <cmath>
+#include <cstddef>
 #include <iostream>
+
+namespace {
+// f(i) for every particle i of a disc, spread over the threads: the stage
+// arithmetic of one particle does not depend on any other particle.
+template <class F> void fuerJedesTeilchen(int n, F f) {
+#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
+    for (int i = 0; i < n; ++i)
+        f(i);
+}
+} // namespace
 
 RungeKutta::RungeKutta(AkkScheibe& scheibe, InitOdeint& init) : Odeint(init) {
     ytemp = scheibe.clone();
@@ -34,16 +46,18 @@ void RungeKutta::rkck(AkkScheibe& y, double h, PhysSystem& phys, RechteSeiteDG& 
     AkkScheibe& k6 = *ak6;
     // Every stage is base + h*(b*k) + ..., each term formed as h times
     // (coefficient times vector) and added in order; r advances with v, v with a.
-    for (int i = 0; i < y.tanz(); ++i) {
+    // The particle count does not change within a step.
+    const int n = y.tanz();
+    fuerJedesTeilchen(n, [&](int i) {
         Teilchen& p = y[i];
         Teilchen& s = k2[i];
         for (int k = 0; k < 3; ++k) {
             s.r[k] = p.r[k] + h * (b21 * p.v[k]);
             s.v[k] = p.v[k] + h * (b21 * p.a[k]);
         }
-    }
+    });
     kraefte.derivatives(k2, phys);
-    for (int i = 0; i < y.tanz(); ++i) {
+    fuerJedesTeilchen(n, [&](int i) {
         Teilchen& p = y[i];
         Teilchen& q2 = k2[i];
         Teilchen& s = k3[i];
@@ -51,9 +65,9 @@ void RungeKutta::rkck(AkkScheibe& y, double h, PhysSystem& phys, RechteSeiteDG& 
             s.r[k] = p.r[k] + h * (b31 * p.v[k]) + h * (b32 * q2.v[k]);
             s.v[k] = p.v[k] + h * (b31 * p.a[k]) + h * (b32 * q2.a[k]);
         }
-    }
+    });
     kraefte.derivatives(k3, phys);
-    for (int i = 0; i < y.tanz(); ++i) {
+    fuerJedesTeilchen(n, [&](int i) {
         Teilchen& p = y[i];
         Teilchen& q2 = k2[i];
         Teilchen& q3 = k3[i];
@@ -62,9 +76,9 @@ void RungeKutta::rkck(AkkScheibe& y, double h, PhysSystem& phys, RechteSeiteDG& 
             s.r[k] = p.r[k] + h * (b41 * p.v[k]) + h * (b42 * q2.v[k]) + h * (b43 * q3.v[k]);
             s.v[k] = p.v[k] + h * (b41 * p.a[k]) + h * (b42 * q2.a[k]) + h * (b43 * q3.a[k]);
         }
-    }
+    });
     kraefte.derivatives(k4, phys);
-    for (int i = 0; i < y.tanz(); ++i) {
+    fuerJedesTeilchen(n, [&](int i) {
         Teilchen& p = y[i];
         Teilchen& q2 = k2[i];
         Teilchen& q3 = k3[i];
@@ -76,9 +90,9 @@ void RungeKutta::rkck(AkkScheibe& y, double h, PhysSystem& phys, RechteSeiteDG& 
             s.v[k] = p.v[k] + h * (b51 * p.a[k]) + h * (b52 * q2.a[k]) + h * (b53 * q3.a[k]) +
                      h * (b54 * q4.a[k]);
         }
-    }
+    });
     kraefte.derivatives(k5, phys);
-    for (int i = 0; i < y.tanz(); ++i) {
+    fuerJedesTeilchen(n, [&](int i) {
         Teilchen& p = y[i];
         Teilchen& q2 = k2[i];
         Teilchen& q3 = k3[i];
@@ -91,11 +105,11 @@ void RungeKutta::rkck(AkkScheibe& y, double h, PhysSystem& phys, RechteSeiteDG& 
             s.v[k] = p.v[k] + h * (b61 * p.a[k]) + h * (b62 * q2.a[k]) + h * (b63 * q3.a[k]) +
                      h * (b64 * q4.a[k]) + h * (b65 * q5.a[k]);
         }
-    }
+    });
     kraefte.derivatives(k6, phys);
     AkkScheibe& yt = *ytemp;
     AkkScheibe& ye = *yerr;
-    for (int i = 0; i < y.tanz(); ++i) {
+    fuerJedesTeilchen(n, [&](int i) {
         Teilchen& p = y[i];
         Teilchen& q3 = k3[i];
         Teilchen& q4 = k4[i];
@@ -117,7 +131,7 @@ void RungeKutta::rkck(AkkScheibe& y, double h, PhysSystem& phys, RechteSeiteDG& 
         for (int k = 0; k < 3; ++k)
             e.v[k] = h * (dc1 * p.a[k]) + h * (dc3 * q3.a[k]) + h * (dc4 * q4.a[k]) +
                      h * (dc5 * q5.a[k]) + h * (dc6 * q6.a[k]);
-    }
+    });
 }
 
 void RungeKutta::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte,
@@ -134,9 +148,14 @@ void RungeKutta::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& k
     double errmax;
     for (;;) {
         rkck(scheibe, h, phys, kraefte);
+        // The largest velocity error: a maximum, exact in any order (no
+        // component is NaN after max_v_koord).
         errmax = 0.0;
-        for (int i = 0; i < scheibe.tanz(); ++i) {
-            double m = (*yerr)[i].max_v_koord();
+        AkkScheibe& fehler = *yerr;
+        const int n = scheibe.tanz();
+#pragma omp parallel for schedule(static) reduction(max : errmax) if (n >= scheibe::mindestens)
+        for (int i = 0; i < n; ++i) {
+            double m = fehler[i].max_v_koord();
             if (m > errmax)
                 errmax = m;
         }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <valarray>
+#include "physik/Vektor.h"
 
 class InitPhysSystem;
 
@@ -17,5 +17,5 @@ public:
 
     // r: distance of two particles (r >= 0); v: on entry their separation
     // vector, on return scaled so that the gradient is (normalisation) * v.
-    virtual double W_ohne_fak(double r, std::valarray<double>& v) = 0;
+    virtual double W_ohne_fak(double r, Vektor3& v) = 0;
 };

@@ -10,7 +10,7 @@ const double pi = 3.141592653;
 Kernel1::Kernel1(InitPhysSystem& init)
     : Kernel(init), fak(8 / (std::pow(h, 3) * pi)), dfak(48 / (std::pow(h, 4) * pi)) {}
 
-double Kernel1::W_ohne_fak(double r, std::valarray<double>& v) {
+double Kernel1::W_ohne_fak(double r, Vektor3& v) {
     double q = r / h;
     if (h * 0.5 >= r) {
         // Inner piece: dW/dr / r = (18q^2 - 12q)/(h r) = (3q - 2) 6/h^2; the

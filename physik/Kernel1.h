@@ -15,5 +15,5 @@ public:
 
     explicit Kernel1(InitPhysSystem& init);
 
-    double W_ohne_fak(double r, std::valarray<double>& v) override;
+    double W_ohne_fak(double r, Vektor3& v) override;
 };

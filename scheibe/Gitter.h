@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scheibe/Faeden.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -71,7 +73,12 @@ public:
     // cell), (i, j, k+1), (i, j+1, k-1..k+1), (i+1, j-1..j+1, k-1..k+1); for a
     // neighbour cell p runs over the neighbour's particles and q over the
     // home cell's. Every pair of home-cell particles is visited once.
-    template <class Paar> void suche(double h2, Paar paar) const {
+    template <class Paar> void suche(double h2, Paar paar) const { suche(h2, 1, nx - 2, paar); }
+
+    // The same for the home cells of the planes i0 <= i <= i1 only. Planes
+    // are the outermost loop, so searching consecutive ranges of planes one
+    // after the other visits the pairs in the order of the whole search.
+    template <class Paar> void suche(double h2, int i0, int i1, Paar paar) const {
         const double *px = x.data(), *py = y.data(), *pz = z.data();
         auto kandidat = [&](std::uint32_t p, std::uint32_t q) {
             const double s[3] = {px[q] - px[p], py[q] - py[p], pz[q] - pz[p]};
@@ -96,8 +103,12 @@ public:
                 for (int c = -1; c <= 1; ++c)
                     nachbar(i + 1, j + b, k + c);
         };
+        if (i0 < 1)
+            i0 = 1;
+        if (i1 > nx - 2)
+            i1 = nx - 2;
         if (dicht) {
-            for (int i = 1; i <= nx - 2; ++i)
+            for (int i = i0; i <= i1; ++i)
                 for (int j = 1; j <= ny - 2; ++j)
                     for (int k = 1; k <= nz - 2; ++k) {
                         const std::size_t c = zelle(i, j, k);
@@ -105,15 +116,47 @@ public:
                             heimzelle(i, j, k, anfang[c], anfang[c + 1]);
                     }
         } else {
-            for (const Zelle& c : belegt) {
-                const auto [i, j, k] = c.ijk;
-                if (i >= 1 && i <= nx - 2 && j >= 1 && j <= ny - 2 && k >= 1 && k <= nz - 2)
-                    heimzelle(i, j, k, c.anfang, c.ende);
+            for (auto c = ersteZelle(i0); c != belegt.end() && c->ijk[0] <= i1; ++c) {
+                const auto [i, j, k] = c->ijk;
+                if (j >= 1 && j <= ny - 2 && k >= 1 && k <= nz - 2)
+                    heimzelle(i, j, k, c->anfang, c->ende);
             }
         }
     }
 
+    // Splits the home planes 1 .. nx-2 into `anzahl` consecutive slabs with
+    // about equal numbers of particles: slab s holds planes
+    // grenzen[s] .. grenzen[s + 1] - 1 (a slab may be empty).
+    void slabs(std::size_t anzahl, std::vector<int>& grenzen) const {
+        grenzen.assign(anzahl + 1, nx - 1);
+        grenzen[0] = 1;
+        std::size_t gesamt = 0;
+        for (int i = 1; i <= nx - 2; ++i)
+            gesamt += inEbene(i);
+        std::size_t summe = 0, s = 1;
+        for (int i = 1; i <= nx - 2 && s < anzahl; ++i) {
+            summe += inEbene(i);
+            while (s < anzahl && summe * anzahl >= gesamt * s)
+                grenzen[s++] = i + 1;
+        }
+    }
+
 private:
+    // Particles in plane i.
+    std::size_t inEbene(int i) const {
+        if (dicht)
+            return anfang[zelle(i + 1, 0, 0)] - anfang[zelle(i, 0, 0)];
+        std::size_t n = 0;
+        for (auto c = ersteZelle(i); c != belegt.end() && c->ijk[0] == i; ++c)
+            n += c->ende - c->anfang;
+        return n;
+    }
+    // Sparse grid: the first occupied cell of plane i or beyond.
+    typename std::vector<Zelle>::const_iterator ersteZelle(int i) const {
+        return std::lower_bound(belegt.begin(), belegt.end(), i,
+                                [](const Zelle& c, int e) { return c.ijk[0] < e; });
+    }
+
     std::vector<std::size_t> zelleVonSlot;                  // dense: cell of each particle
     std::vector<std::pair<Index, std::uint32_t>> nachZelle; // sparse: (cell, particle)
 
@@ -146,11 +189,14 @@ private:
         const std::size_t n = alle.size();
         std::fill(anfang.begin(), anfang.end(), 0u);
         zelleVonSlot.resize(n);
-        for (std::size_t p = 0; p < n; ++p) {
-            const Index c = zelleVon(alle[p]);
-            zelleVonSlot[p] = zelle(c[0], c[1], c[2]);
-            ++anfang[zelleVonSlot[p] + 1];
+        const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
+#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
+        for (std::ptrdiff_t p = 0; p < nn; ++p) {
+            const Index c = zelleVon(alle[std::size_t(p)]);
+            zelleVonSlot[std::size_t(p)] = zelle(c[0], c[1], c[2]);
         }
+        for (std::size_t p = 0; p < n; ++p)
+            ++anfang[zelleVonSlot[p] + 1];
         for (std::size_t c = 1; c < anfang.size(); ++c)
             anfang[c] += anfang[c - 1];
         // anfang[c] serves as the cursor of cell c and ends at the start of c + 1.

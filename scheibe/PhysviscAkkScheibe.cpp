@@ -1,6 +1,5 @@
 #include "scheibe/PhysviscAkkScheibe.h"
 
-#include "physik/Kernel1.h"
 #include "scheibe/PressArtviscTemplates.h"
 #include "scheibe/SphTemplates.h"
 
@@ -37,53 +36,17 @@ void PhysviscAkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
 void PhysviscAkkScheibe::add_press(PhysSystem& phys) {
-    scheibe::_add_press(teilchen, ww.get(), phys, puffer);
+    scheibe::_add_press(teilchen, ww.get(), phys);
 }
 void PhysviscAkkScheibe::add_artvisc(PhysSystem& phys) {
-    scheibe::_add_artvisc(teilchen, ww.get(), phys, puffer);
+    scheibe::_add_artvisc(teilchen, ww.get(), phys);
 }
 
-// The four passes, each pair pass fused with the particle pass that follows
-// it: the particle sums are scattered from the pair list in list order, which
-// is the order of every particle's own pair list, so they equal the
-// particles' own sigma() and add_physvisc() to the bit.
+// The four passes, each complete before the next: pair tensors, particle
+// tensors, pair vectors, particle accelerations.
 void PhysviscAkkScheibe::add_physvisc(PhysSystem& phys) {
-    const std::size_t n = teilchen.size();
-    PhysviscTeilchen* basis = teilchen.data();
-    const double dfak = static_cast<Kernel1*>(phys.kernel)->dfak;
-    std::vector<double>& S = puffer;
-    S.assign(6 * n, 0.0);
-    for (PhysviscWW& w : *ww) {
-        w.sigma(phys);
-        double* s1 = &S[6 * std::size_t(w.pt1 - basis)];
-        double* s2 = &S[6 * std::size_t(w.pt2 - basis)];
-        for (int c = 0; c < 6; ++c)
-            s1[c] += w.sigmaTensor[c] / w.pt2->rho;
-        for (int c = 0; c < 6; ++c)
-            s2[c] += w.sigmaTensor[c] / w.pt1->rho;
-    }
-    const double fs = dfak * phys.mTeilchen;
-    for (std::size_t i = 0; i < n; ++i)
-        for (int c = 0; c < 6; ++c)
-            teilchen[i].sigmaTensor[c] = S[6 * i + c] * fs;
-
-    S.assign(3 * n, 0.0);
-    for (PhysviscWW& w : *ww) {
-        w.physvisc(phys);
-        double* a1 = &S[3 * std::size_t(w.pt1 - basis)];
-        double* a2 = &S[3 * std::size_t(w.pt2 - basis)];
-        for (int k = 0; k < 3; ++k)
-            a1[k] += w.physviscVektor[k];
-        for (int k = 0; k < 3; ++k)
-            a2[k] += -w.physviscVektor[k];
-    }
-    const double fa = phys.mTeilchen * phys.viskositaet * dfak;
-    for (std::size_t i = 0; i < n; ++i) {
-        PhysviscTeilchen& t = teilchen[i];
-        for (int k = 0; k < 3; ++k) {
-            const double a = S[3 * i + k] * fa;
-            t.aPhysvisc[k] = a;
-            t.a[k] = t.a[k] + a;
-        }
-    }
+    scheibe::_fuer_alle_paare(*ww, [&](PhysviscWW& w) { w.sigma(phys); });
+    scheibe::_fuer_alle_teilchen(teilchen, [&](PhysviscTeilchen& t) { t.sigma(phys); });
+    scheibe::_fuer_alle_paare(*ww, [&](PhysviscWW& w) { w.physvisc(phys); });
+    scheibe::_fuer_alle_teilchen(teilchen, [&](PhysviscTeilchen& t) { t.add_physvisc(phys); });
 }

@@ -2,8 +2,6 @@
 
 #include "scheibe/PressArtviscTemplates.h"
 
-PhysviscTeilchen::PhysviscTeilchen() : aPhysvisc(3, 0.0), sigmaTensor(6, 0.0) {}
-
 void PhysviscTeilchen::_force_init(PhysSystem& phys) {
     scheibe::_force_init(*this, pvww, phys);
 }

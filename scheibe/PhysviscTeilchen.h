@@ -2,8 +2,6 @@
 
 #include "scheibe/PressArtviscTeilchen.h"
 
-#include <vector>
-
 class PhysSystem;
 class PhysviscWW;
 
@@ -11,11 +9,9 @@ class PhysviscWW;
 // viscous acceleration.
 class PhysviscTeilchen : public PressArtviscTeilchen {
 public:
-    std::vector<PhysviscWW*> pvww;   // pairs of this particle (not owned)
-    std::vector<double> aPhysvisc;   // viscous acceleration
-    std::vector<double> sigmaTensor; // shear tensor: xx, xy, xz, yy, yz, zz
-
-    PhysviscTeilchen();
+    PaarSicht<PhysviscWW> pvww; // pairs of this particle (not owned)
+    Vektor3 aPhysvisc{};        // viscous acceleration
+    Tensor6 sigmaTensor{};      // shear tensor: xx, xy, xz, yy, yz, zz
 
     // Density and equation of state from the pairs in pvww.
     void _force_init(PhysSystem& phys);

@@ -10,8 +10,6 @@ void fremdesTeilchen() {
 }
 } // namespace
 
-PhysviscWW::PhysviscWW() : physviscVektor(3, 0.0), sigmaTensor(6, 0.0) {}
-
 void PhysviscWW::_init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[3], double s2,
                        const double dv[3], Kernel& kernel) {
     PressArtviscWW::_init(p, q, s, s2, dv, kernel);
@@ -20,8 +18,8 @@ void PhysviscWW::_init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[
 }
 
 void PhysviscWW::sigma(PhysSystem&) {
-    const std::valarray<double>& a = dv;
-    const std::valarray<double>& b = dW;
+    const Vektor3& a = dv;
+    const Vektor3& b = dW;
     sigmaTensor[0] =
         1.3333333333333333 * a[0] * b[0] - 0.6666666666666666 * (a[1] * b[1] + a[2] * b[2]);
     sigmaTensor[1] = a[0] * b[1] + a[1] * b[0];
@@ -45,9 +43,9 @@ void PhysviscWW::sigma_von(const PhysviscTeilchen* t, double s[6]) const {
         s[c] = sigmaTensor[c] / anderer->rho;
 }
 
-std::valarray<double> PhysviscWW::sigma(PhysviscTeilchen* t) {
-    std::valarray<double> s(0.0, 6);
-    sigma_von(t, &s[0]);
+Tensor6 PhysviscWW::sigma(PhysviscTeilchen* t) {
+    Tensor6 s;
+    sigma_von(t, s.data());
     return s;
 }
 
@@ -55,7 +53,7 @@ void PhysviscWW::physvisc(PhysSystem&) {
     double T[6];
     for (int c = 0; c < 6; ++c)
         T[c] = pt1->sigmaTensor[c] / pt2->rho + pt2->sigmaTensor[c] / pt1->rho;
-    const std::valarray<double>& b = dW;
+    const Vektor3& b = dW;
     physviscVektor[0] = T[0] * b[0] + T[1] * b[1] + T[2] * b[2];
     physviscVektor[1] = T[1] * b[0] + T[3] * b[1] + T[4] * b[2];
     physviscVektor[2] = T[2] * b[0] + T[4] * b[1] + T[5] * b[2];
@@ -74,8 +72,8 @@ void PhysviscWW::physvisc_von(const PhysviscTeilchen* t, double p[3]) const {
     }
 }
 
-std::valarray<double> PhysviscWW::physvisc(PhysviscTeilchen* t) {
-    std::valarray<double> p(0.0, 3);
-    physvisc_von(t, &p[0]);
+Vektor3 PhysviscWW::physvisc(PhysviscTeilchen* t) {
+    Vektor3 p;
+    physvisc_von(t, p.data());
     return p;
 }

@@ -2,9 +2,6 @@
 
 #include "scheibe/PressArtviscWW.h"
 
-#include <valarray>
-#include <vector>
-
 class Kernel;
 class PhysSystem;
 class PhysviscTeilchen;
@@ -15,10 +12,8 @@ class PhysviscWW : public PressArtviscWW {
 public:
     PhysviscTeilchen* pt1 = nullptr;    // first partner, typed
     PhysviscTeilchen* pt2 = nullptr;    // second partner, typed
-    std::vector<double> physviscVektor; // share of the viscous force (w.r.t. pt1)
-    std::vector<double> sigmaTensor;    // share of sigma: xx, xy, xz, yy, yz, zz
-
-    PhysviscWW();
+    Vektor3 physviscVektor{};        // share of the viscous force (w.r.t. pt1)
+    Tensor6 sigmaTensor{};           // share of sigma: xx, xy, xz, yy, yz, zz
 
     void _init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[3], double s2,
                const double dv[3], Kernel& kernel);
@@ -27,11 +22,11 @@ public:
     // a_i b_j + a_j b_i - 2/3 delta_ij a.b.
     void sigma(PhysSystem& phys);
     // sigmaTensor / rho of the partner that is not t.
-    std::valarray<double> sigma(PhysviscTeilchen* t);
+    Tensor6 sigma(PhysviscTeilchen* t);
     // (sigma_1 / rho_2 + sigma_2 / rho_1) applied to dW.
     void physvisc(PhysSystem& phys);
     // physviscVektor as it acts on t: itself for pt1, negated for pt2.
-    std::valarray<double> physvisc(PhysviscTeilchen* t);
+    Vektor3 physvisc(PhysviscTeilchen* t);
 
     // The two above without allocating: into s[6] and p[3]. A particle that
     // is neither partner gets a message and zeros.

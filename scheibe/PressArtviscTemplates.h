@@ -10,12 +10,12 @@
 
 #include "physik/Kernel1.h"
 #include "physik/PhysSystem.h"
+#include "scheibe/Faeden.h"
 #include "scheibe/Paare.h"
 #include "scheibe/PhysviscWW.h"
 
 #include "scheibe/Paarliste.h"
 #include <cmath>
-#include <valarray>
 #include <vector>
 
 namespace scheibe {
@@ -34,9 +34,9 @@ template <class T> void _zustand(T& t, double s, PhysSystem& phys) {
     t.cs = std::sqrt(3.4328e-14 * t.temperatur);
 }
 
-template <class T, class W> void _force_init(T& t, std::vector<W*>& paare, PhysSystem& phys) {
+template <class T, class L> void _force_init(T& t, const L& paare, PhysSystem& phys) {
     double s = 1.0;
-    for (const W* w : paare)
+    for (const auto* w : paare)
         s += w->W;
     _zustand(t, s, phys);
 }
@@ -60,18 +60,17 @@ template <class T, class W> void _pi(W& w, T* erster, T* zweiter, PhysSystem& ph
 
 // The pair's gradient as seen from particle t (zeros and a message for a
 // particle that is neither partner).
-template <class T, class W> std::valarray<double> _dW_ohne_fak(W& w, T* t) {
+template <class T, class W> Vektor3 _dW_ohne_fak(W& w, T* t) {
     return w._dW_ohne_fak(t);
 }
 
 // One particle's accumulation: A = -sum term(pair) g, scaled by m f_grad,
 // stored in `ziel` and added to the acceleration.
-template <class T, class W, class Term>
-void _sammle(T& t, T* self, std::vector<W*>& paare, PhysSystem& phys, std::vector<double>& ziel,
-             Term term) {
+template <class T, class L, class Term>
+void _sammle(T& t, T* self, const L& paare, PhysSystem& phys, Vektor3& ziel, Term term) {
     double A[3] = {0, 0, 0};
     double g[3];
-    for (W* w : paare) {
+    for (auto* w : paare) {
         w->dW_von(self, g);
         const double f = term(*w);
         for (int k = 0; k < 3; ++k)
@@ -85,73 +84,45 @@ void _sammle(T& t, T* self, std::vector<W*>& paare, PhysSystem& phys, std::vecto
     }
 }
 
+template <class T, class L>
+void _add_press(T& t, T* self, const L& paare, PhysSystem& phys) {
+    _sammle(t, self, paare, phys, t.aPress, [](const auto& w) { return w.press; });
+}
+
+template <class T, class L>
+void _add_artvisc(T& t, T* self, const L& paare, PhysSystem& phys) {
+    _sammle(t, self, paare, phys, t.aArtvisc, [](const auto& w) { return w.pi; });
+}
+
+// A pair pass: f(pair) for every pair, each slab's pairs by one thread.
+template <class W, class F> void _fuer_alle_paare(Paarliste<W>& ww, F f) {
+    const std::ptrdiff_t slabs = static_cast<std::ptrdiff_t>(ww.anzahlTeile());
+#pragma omp parallel for schedule(static, 1) if (slabs > 1)
+    for (std::ptrdiff_t sl = 0; sl < slabs; ++sl)
+        ww.teile[std::size_t(sl)].fuer_alle(f);
+}
+
+// A particle pass: f(particle) for every particle. Each particle gathers its
+// own sum over its own pairs in pair-list order, so no sum is split between
+// threads.
+template <class T, class F> void _fuer_alle_teilchen(std::vector<T>& teilchen, F f) {
+    const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(teilchen.size());
+#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
+    for (std::ptrdiff_t i = 0; i < n; ++i)
+        f(teilchen[std::size_t(i)]);
+}
+
+// The whole passes: first every pair's term, then every particle's sum.
 template <class T, class W>
-void _add_press(T& t, T* self, std::vector<W*>& paare, PhysSystem& phys) {
-    _sammle(t, self, paare, phys, t.aPress, [](const W& w) { return w.press; });
+void _add_press(std::vector<T>& teilchen, Paarliste<W>* ww, PhysSystem& phys) {
+    _fuer_alle_paare(*ww, [&](W& w) { _press(w, w.pt1, w.pt2, phys); });
+    _fuer_alle_teilchen(teilchen, [&](T& t) { _add_press(t, &t, paare(t), phys); });
 }
 
 template <class T, class W>
-void _add_artvisc(T& t, T* self, std::vector<W*>& paare, PhysSystem& phys) {
-    _sammle(t, self, paare, phys, t.aArtvisc, [](const W& w) { return w.pi; });
-}
-
-// The whole pass: computes each pair's term, then accumulates -term g for
-// both partners. It streams once over the pair list and scatters into
-// per-particle sums: a particle's pairs stand in its own list in pair-list
-// order, so each sum receives the same terms in the same order as the loop
-// over the particle's list above, and the result is the same to the bit.
-template <class T, class W, class Term, class Ziel>
-void _sammleAlle(std::vector<T>& teilchen, Paarliste<W>& ww, PhysSystem& phys,
-                 std::vector<double>& A, Term paarterm, Ziel ziel) {
-    A.assign(3 * teilchen.size(), 0.0);
-    T* basis = teilchen.data();
-    for (W& w : ww) {
-        const double f = paarterm(w);
-        double* a1 = &A[3 * std::size_t(w.pt1 - basis)];
-        double* a2 = &A[3 * std::size_t(w.pt2 - basis)];
-        for (int k = 0; k < 3; ++k) {
-            const double g = w.dW[k];
-            a1[k] = a1[k] - f * g;
-        }
-        for (int k = 0; k < 3; ++k) {
-            const double g = -w.dW[k];
-            a2[k] = a2[k] - f * g;
-        }
-    }
-    const double faktor = phys.mTeilchen * kernel1(phys).dfak;
-    for (std::size_t i = 0; i < teilchen.size(); ++i) {
-        T& t = teilchen[i];
-        std::vector<double>& z = ziel(t);
-        for (int k = 0; k < 3; ++k) {
-            const double a = A[3 * i + k] * faktor;
-            z[k] = a;
-            t.a[k] = t.a[k] + a;
-        }
-    }
-}
-
-template <class T, class W>
-void _add_press(std::vector<T>& teilchen, Paarliste<W>* ww, PhysSystem& phys,
-                std::vector<double>& puffer) {
-    _sammleAlle(
-        teilchen, *ww, phys, puffer,
-        [&](W& w) {
-            _press(w, w.pt1, w.pt2, phys);
-            return w.press;
-        },
-        [](T& t) -> std::vector<double>& { return t.aPress; });
-}
-
-template <class T, class W>
-void _add_artvisc(std::vector<T>& teilchen, Paarliste<W>* ww, PhysSystem& phys,
-                  std::vector<double>& puffer) {
-    _sammleAlle(
-        teilchen, *ww, phys, puffer,
-        [&](W& w) {
-            _pi(w, w.pt1, w.pt2, phys);
-            return w.pi;
-        },
-        [](T& t) -> std::vector<double>& { return t.aArtvisc; });
+void _add_artvisc(std::vector<T>& teilchen, Paarliste<W>* ww, PhysSystem& phys) {
+    _fuer_alle_paare(*ww, [&](W& w) { _pi(w, w.pt1, w.pt2, phys); });
+    _fuer_alle_teilchen(teilchen, [&](T& t) { _add_artvisc(t, &t, paare(t), phys); });
 }
 
 } // namespace scheibe

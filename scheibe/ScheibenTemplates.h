@@ -15,7 +15,6 @@
 #include <iostream>
 #include <limits>
 #include <string>
-#include <valarray>
 #include <vector>
 
 namespace scheibe {
@@ -44,7 +43,7 @@ void _init(AkkScheibe& disc, std::vector<P>& teilchen, InitAkkScheibe& init, Phy
     std::size_t gewuenscht = n > 0 ? static_cast<std::size_t>(n) : 0;
     if (teilchen.size() > gewuenscht)
         teilchen.resize(gewuenscht);
-    std::valarray<double> puffer(0.0, 3);
+    Vektor3 puffer{};
     for (int i = 0; i < n; ++i) {
         if (!lies(datei, puffer[0])) {
             std::cout << "gew\xfc"
@@ -69,7 +68,7 @@ void _init(AkkScheibe& disc, std::vector<P>& teilchen, InitAkkScheibe& init, Phy
         lies(datei, puffer[1]);
         lies(datei, puffer[2]);
         t.v = puffer;
-        t.a = 0.0;
+        t.a = {0.0, 0.0, 0.0};
         datei.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
     }
 }

@@ -22,9 +22,7 @@ public:
     std::vector<double> min;                     // lower corner of the grid box
     std::vector<double> max;                     // upper corner of the grid box
     double h = 0;                                // cell edge = smoothing length
-    double h2 = 0;
-    std::vector<double> puffer; // per-particle sums of one pass (scratch) // h^2, the pair
-                                // criterion
+    double h2 = 0;                               // h^2, the pair criterion
 
     // No particles, no grid, no pair list.
     SphAkkScheibe();

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "scheibe/PaarSicht.h"
 #include "scheibe/Teilchen.h"
-
-#include <vector>
 
 class PhysSystem;
 class SphWW;
@@ -11,12 +10,10 @@ class SphWW;
 // its density.
 class SphTeilchen : public Teilchen {
 public:
-    std::vector<SphWW*> ww; // pairs of this particle (not owned), rebuilt per evaluation
-    double rho = 0;         // SPH density, solar masses / solar radii^3
+    PaarSicht<SphWW> ww; // pairs of this particle (not owned), rebuilt per evaluation
+    double rho = 0;      // SPH density, solar masses / solar radii^3
 
     // rho = m fak (1 + sum of W over the pairs): the 1 is the particle's own
     // kernel value at distance 0.
     void _force_init(PhysSystem& phys);
-    // The same from summe = 1 + the sum of W over the pairs.
-    void _dichte(double summe, PhysSystem& phys);
 };

@@ -10,6 +10,7 @@
 
 #include "physik/Kernel.h"
 #include "physik/PhysSystem.h"
+#include "scheibe/Faeden.h"
 #include "scheibe/Ganzzahl.h"
 #include "scheibe/Gitter.h"
 #include "scheibe/Paare.h"
@@ -74,48 +75,100 @@ template <class T> void _binne(const SphAkkScheibe& disc, std::vector<T>& teilch
     });
 }
 
-// Bins the particles and appends every pair closer than h (strictly) to ww.
-// summe[i] becomes 1 + the sum of W over particle i's pairs, added in the
-// order of its pair list (the order in which its pairs are found).
+// Bins the particles, appends every pair closer than h (strictly) to ww and
+// builds the index through which each particle lists its pairs.
+//
+// The home planes are split into slabs, one per thread; each slab searches
+// its planes in order into its own storage, so the list (the slabs joined in
+// slab order) holds the pairs in the order of one search over all planes.
+// Each slab also counts the pairs of every particle; from the counts each
+// particle's stretch of the index is laid out, the earlier slabs' pairs
+// first, so every particle lists its pairs in pair-list order.
 template <class T, class W>
 void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paarliste<W>& ww,
-               PhysSystem& phys, std::vector<double>& summe) {
-    ww.clear();
-    summe.assign(teilchen.size(), 1.0);
+               PhysSystem& phys) {
+    const std::size_t n = teilchen.size();
     _binne(disc, teilchen, g);
+    const std::size_t anzahl = anzahlSlabs(n);
+    ww.beginne(anzahl);
+    g.slabs(anzahl, ww.grenzen);
 
     Kernel& kernel = *phys.kernel;
+    const double h2 = disc.h2;
     const double *vx = g.vx.data(), *vy = g.vy.data(), *vz = g.vz.data();
-    // p is the particle of the outer loop and becomes the pair's first partner.
-    g.suche(disc.h2, [&](std::uint32_t p, std::uint32_t q, const double s[3], double s2) {
-        const std::uint32_t ip = g.index[p], iq = g.index[q];
-        T* tp = &teilchen[ip];
-        T* tq = &teilchen[iq];
-        const double dv[3] = {vx[q] - vx[p], vy[q] - vy[p], vz[q] - vz[p]};
-        W& w = ww.emplace_back();
-        w._init(tp, tq, s, s2, dv, kernel);
-        paare(*tp).push_back(&w);
-        paare(*tq).push_back(&w);
-        summe[ip] += w.W;
-        summe[iq] += w.W;
-    });
+    const std::ptrdiff_t slabs = static_cast<std::ptrdiff_t>(anzahl);
+#pragma omp parallel for schedule(static, 1) if (slabs > 1)
+    for (std::ptrdiff_t sl = 0; sl < slabs; ++sl) {
+        Paarspeicher<W>& teil = ww.teile[std::size_t(sl)];
+        std::vector<std::uint32_t>& zaehler = ww.zaehler[std::size_t(sl)];
+        zaehler.assign(n, 0);
+        // p is the particle of the outer loop and becomes the pair's first partner.
+        g.suche(h2, ww.grenzen[std::size_t(sl)], ww.grenzen[std::size_t(sl) + 1] - 1,
+                [&](std::uint32_t p, std::uint32_t q, const double s[3], double s2) {
+                    const std::uint32_t ip = g.index[p], iq = g.index[q];
+                    const double dv[3] = {vx[q] - vx[p], vy[q] - vy[p], vz[q] - vz[p]};
+                    W& w = teil.emplace_back();
+                    w._init(&teilchen[ip], &teilchen[iq], s, s2, dv, kernel);
+                    ++zaehler[ip];
+                    ++zaehler[iq];
+                });
+    }
+
+    // Particle i's pairs go to index[start[i] ..]; the counts become each
+    // slab's place within that stretch.
+    ww.start.resize(n + 1);
+    std::size_t summe = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        ww.start[i] = summe;
+        std::uint32_t vorher = 0;
+        for (std::size_t sl = 0; sl < anzahl; ++sl) {
+            const std::uint32_t c = ww.zaehler[sl][i];
+            ww.zaehler[sl][i] = vorher;
+            vorher += c;
+        }
+        summe += vorher;
+    }
+    ww.start[n] = summe;
+    ww.index.resize(summe);
+
+    T* basis = teilchen.data();
+#pragma omp parallel for schedule(static, 1) if (slabs > 1)
+    for (std::ptrdiff_t sl = 0; sl < slabs; ++sl) {
+        std::vector<std::uint32_t>& platz = ww.zaehler[std::size_t(sl)];
+        ww.teile[std::size_t(sl)].fuer_alle([&](W& w) {
+            const std::size_t i1 = std::size_t(static_cast<T*>(w.t1) - basis);
+            const std::size_t i2 = std::size_t(static_cast<T*>(w.t2) - basis);
+            ww.index[ww.start[i1] + platz[i1]++] = &w;
+            ww.index[ww.start[i2] + platz[i2]++] = &w;
+        });
+    }
+    const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
+#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
+    for (std::ptrdiff_t i = 0; i < nn; ++i) {
+        const std::size_t a = ww.start[std::size_t(i)], e = ww.start[std::size_t(i) + 1];
+        paare(teilchen[std::size_t(i)]).zeige(ww.index.data() + a, e - a);
+    }
 }
 
 // Preparation of every evaluation of the forces: accelerations to zero, the
 // pairs anew, the pair count on the console, and each particle's own state
-// (density, and the equation of state for the gas discs).
+// (density, and the equation of state for the gas discs), each particle
+// summing the kernel values of its own pairs in pair-list order.
 template <class T, class W>
 void _force_init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter, Paarliste<W>& ww,
                  PhysSystem& phys) {
-    for (T& t : teilchen) {
+    const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(teilchen.size());
+#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
+    for (std::ptrdiff_t i = 0; i < n; ++i) {
+        T& t = teilchen[std::size_t(i)];
         t.init();
         paare(t).clear();
     }
-    std::vector<double>& summe = disc.puffer;
-    _createww(disc, teilchen, gitter, ww, phys, summe);
+    _createww(disc, teilchen, gitter, ww, phys);
     std::cout << "Anzahl WWPartnern: " << static_cast<unsigned>(ww.size()) << '\n';
-    for (std::size_t i = 0; i < teilchen.size(); ++i)
-        teilchen[i]._dichte(summe[i], phys);
+#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
+    for (std::ptrdiff_t i = 0; i < n; ++i)
+        teilchen[std::size_t(i)]._force_init(phys);
 }
 
 } // namespace scheibe

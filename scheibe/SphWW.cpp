@@ -6,8 +6,6 @@
 #include <cmath>
 #include <iostream>
 
-SphWW::SphWW() : r(0.0, 3), dv(0.0, 3), dW(0.0, 3) {}
-
 void SphWW::_init(SphTeilchen* p, SphTeilchen* q, const double s[3], double s2,
                   const double geschwDiff[3], Kernel& kernel) {
     t1 = p;
@@ -34,8 +32,8 @@ void SphWW::dW_von(const SphTeilchen* p, double g[3]) const {
     }
 }
 
-std::valarray<double> SphWW::_dW_ohne_fak(SphTeilchen* p) const {
-    std::valarray<double> g(0.0, 3);
-    dW_von(p, &g[0]);
+Vektor3 SphWW::_dW_ohne_fak(SphTeilchen* p) const {
+    Vektor3 g;
+    dW_von(p, g.data());
     return g;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <valarray>
+#include "physik/Vektor.h"
 
 class Kernel;
 class SphTeilchen;
@@ -13,12 +13,10 @@ public:
     SphTeilchen* t1 = nullptr; // first partner (outer loop of the pair search)
     SphTeilchen* t2 = nullptr; // second partner
     double d = 0;              // distance |r|
-    std::valarray<double> r;   // t2.r - t1.r
-    std::valarray<double> dv;  // t2.v - t1.v
+    Vektor3 r{};               // t2.r - t1.r
+    Vektor3 dv{};              // t2.v - t1.v
     double W = 0;              // kernel value without its normalisation
-    std::valarray<double> dW;  // kernel gradient w.r.t. t1.r without its normalisation
-
-    SphWW();
+    Vektor3 dW{};              // kernel gradient w.r.t. t1.r without its normalisation
 
     // Fills the pair of p (first) and q (second) from their separation
     // s = q.r - p.r, s2 = |s|^2, and velocity difference dv = q.v - p.v.
@@ -26,7 +24,7 @@ public:
                Kernel& kernel);
 
     // The gradient as seen from particle p: dW for t1, -dW for t2.
-    std::valarray<double> _dW_ohne_fak(SphTeilchen* p) const;
+    Vektor3 _dW_ohne_fak(SphTeilchen* p) const;
     // The same into g, without allocating; a particle that is neither
     // partner gets a message and zeros.
     void dW_von(const SphTeilchen* p, double g[3]) const;

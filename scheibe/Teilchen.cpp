@@ -2,10 +2,8 @@
 
 #include <cmath>
 
-Teilchen::Teilchen() : r(0.0, 3), v(0.0, 3), a(0.0, 3) {}
-
 void Teilchen::init() {
-    a = 0.0;
+    a = {0.0, 0.0, 0.0};
 }
 
 double Teilchen::max_v_koord() const {

@@ -1,16 +1,14 @@
 #pragma once
 
-#include <valarray>
+#include "physik/Vektor.h"
 
 // A test particle: the state (r, v) that the integrator advances and the
 // acceleration a that the forces accumulate.
 class Teilchen {
 public:
-    std::valarray<double> r; // position, solar radii
-    std::valarray<double> v; // velocity, solar radii / s
-    std::valarray<double> a; // dv/dt from the forces, solar radii / s^2; never written to a file
-
-    Teilchen();
+    Vektor3 r{}; // position, solar radii
+    Vektor3 v{}; // velocity, solar radii / s
+    Vektor3 a{}; // dv/dt from the forces, solar radii / s^2; never written to a file
 
     // Acceleration to zero, before every evaluation of the forces.
     void init();

@@ -71,7 +71,8 @@ TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
             if (i % 5 == 0)
                 r[0] = g.s.min[0] + h * std::floor((r[0] - g.s.min[0]) / h);
             if (i % 7 == 6)
-                r = g.s.teilchen[i - 1].r + std::valarray<double>{h, 0, 0};
+                r = {g.s.teilchen[i - 1].r[0] + h, g.s.teilchen[i - 1].r[1],
+                     g.s.teilchen[i - 1].r[2]};
         }
         g.force_init();
 
@@ -172,7 +173,7 @@ TEST(SphKraefte, GleichfoermigeBewegungIstOhneViskositaet) {
     // Three particles in a row 0.005 apart, all moving with (1, 2, 3) 1e-3.
     for (int i = 0; i < 3; ++i) {
         g.s.teilchen[i].r[0] = g.phys.x1[0] + 0.005 * i;
-        g.s.teilchen[i].v = std::valarray<double>{1e-3, 2e-3, 3e-3};
+        g.s.teilchen[i].v = {1e-3, 2e-3, 3e-3};
     }
     g.force_init();
     g.s.add_artvisc(g.phys);
@@ -193,16 +194,19 @@ TEST(SphPaar, GradientWechseltDasVorzeichenUndFremdeTeilchenBekommenNull) {
     g.force_init();
     ASSERT_EQ(g.s.ww->size(), 1u);
     PhysviscWW& w = g.s.ww->front();
-    std::valarray<double> a = w._dW_ohne_fak(w.pt1), b = w._dW_ohne_fak(w.pt2);
+    Vektor3 a = w._dW_ohne_fak(w.pt1), b = w._dW_ohne_fak(w.pt2);
     for (int k = 0; k < 3; ++k)
         EXPECT_EQ(a[k], -b[k]);
     PhysviscTeilchen fremd;
     hilfen::Mitschnitt aus(std::cout);
-    std::valarray<double> n = w._dW_ohne_fak(&fremd);
-    std::valarray<double> s = w.sigma(&fremd);
+    Vektor3 n = w._dW_ohne_fak(&fremd);
+    Tensor6 s = w.sigma(&fremd);
     EXPECT_EQ(aus.text(), "Angegebenes Teilchen geh\xf6rt nicht zu dieser WW !\n"
                           "Angegebenes Teilchen geh\xf6rt nicht zu dieser PhysviscWW !\n");
-    EXPECT_EQ(std::abs(n).sum() + std::abs(s).sum(), 0.0);
+    for (double x : n)
+        EXPECT_EQ(x, 0.0);
+    for (double x : s)
+        EXPECT_EQ(x, 0.0);
 }
 
 TEST(SphScheibe, ZuweisungVerlangtDieEigeneKlasse) {

@@ -17,10 +17,11 @@
 
 namespace {
 
-using V = std::valarray<double>;
+using V = Vektor3;
 const double G = 3.9371199385708905e-7, pi = std::acos(-1.0), omega = 2 * pi / 5453.6; // R_sun, s
 const double eps = 1e-12; // Genauigkeit: absolute error bound of each velocity component per step
-const auto betrag = [](const V& v) { return std::sqrt((v * v).sum()); };
+const auto betrag = [](const V& v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); };
+const auto minus = [](const V& a, const V& b) { return V{a[0] - b[0], a[1] - b[1], a[2] - b[2]}; };
 
 const hilfen::TempOrdner ordner;
 
@@ -34,7 +35,7 @@ TEST(Validierung, KernIntegriertZuEins) {
     InitPhysSystem ini = physik("Smoothinglength 1");
     Kernel1 k(ini);
     // Midpoint rule on cubic cells of edge h/100 in one octant (W is radial), inside r < h.
-    V v(3);
+    V v{};
     double summe = 0;
     for (int i = 0; i < 100; ++i)
         for (int j = 0; j < 100; ++j)
@@ -111,8 +112,9 @@ TEST(Validierung, JacobiEnergieBleibtErhalten) {
     const double m1 = 0.685, m2 = 0.07, a = std::cbrt(G * (m1 + m2) / (omega * omega));
     const double x1 = a * m2 / (m1 + m2), v1 = std::sqrt(G * m1);
     auto energie = [&](const Teilchen& t) {
-        return 0.5 * (t.v * t.v).sum() - G * m1 / betrag(t.r - V{x1, 0, 0}) -
-               G * m2 / betrag(t.r - V{x1 - a, 0, 0}) - 0.5 * omega * omega * (t.r * t.r).sum();
+        const double v = betrag(t.v), r = betrag(t.r);
+        return 0.5 * v * v - G * m1 / betrag(minus(t.r, {x1, 0, 0})) -
+               G * m2 / betrag(minus(t.r, {x1 - a, 0, 0})) - 0.5 * omega * omega * r * r;
     };
     // In the primary's Roche lobe: near-circular, eccentric, and off the plane.
     // Per step |dE| <= sqrt(3) eps (|v| + h |grad Phi|) < 2 sqrt(3) eps |v| for short steps.

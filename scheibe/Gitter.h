@@ -39,6 +39,7 @@ public:
     std::vector<double> x, y, z;      // positions, by slot
     std::vector<double> vx, vy, vz;   // velocities, by slot
     std::vector<std::uint32_t> index; // index in the particle vector, by slot
+    std::vector<std::uint32_t> slot;  // slot of each particle, by index
 
     void anlegen(int nx_, int ny_, int nz_) {
         nx = nx_;
@@ -60,10 +61,24 @@ public:
         for (auto* a : {&x, &y, &z, &vx, &vy, &vz})
             a->resize(n);
         index.resize(n);
+        slot.resize(n);
         if (dicht)
             sortiereDicht(alle, zelleVon);
         else
             sortiereDuenn(alle, zelleVon);
+    }
+
+    // Calls f(particle index) for every particle in slot order, spread over
+    // the threads: neighbours in space are handled one after the other, so
+    // the pairs that a particle reads were built close together. `n` is the
+    // disc's particle count; a grid binned from another disc (of a copy
+    // sharing it) with another count falls back to the vector's order.
+    template <class F> void fuerJedenSlot(std::size_t n, F f) const {
+        const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
+        const bool sortiert = index.size() == n;
+#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
+        for (std::ptrdiff_t s = 0; s < nn; ++s)
+            f(sortiert ? std::size_t(index[std::size_t(s)]) : std::size_t(s));
     }
 
     // Calls paar(p, q, s, s2) for every two slots closer than sqrt(h2)
@@ -182,6 +197,7 @@ private:
         vy[s] = t.v[1];
         vz[s] = t.v[2];
         index[s] = static_cast<std::uint32_t>(p);
+        slot[p] = s;
     }
 
     // Counting sort over the table of cells.

@@ -36,17 +36,60 @@ void PhysviscAkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
 void PhysviscAkkScheibe::add_press(PhysSystem& phys) {
-    scheibe::_add_press(teilchen, ww.get(), phys);
+    scheibe::_add_press(teilchen, *gitter, ww.get(), phys);
 }
 void PhysviscAkkScheibe::add_artvisc(PhysSystem& phys) {
-    scheibe::_add_artvisc(teilchen, ww.get(), phys);
+    scheibe::_add_artvisc(teilchen, *gitter, ww.get(), phys);
 }
 
-// The four passes, each complete before the next: pair tensors, particle
-// tensors, pair vectors, particle accelerations.
+// The four passes (pair tensors, particle tensors, pair vectors, particle
+// accelerations), each pair pass fused into the particle pass that follows
+// it: a particle forms the terms of its own pairs on the way, exactly as the
+// pair pass would, and each pair's first partner stores them in the pair.
+// Every particle sums over its own pairs in pair-list order.
 void PhysviscAkkScheibe::add_physvisc(PhysSystem& phys) {
-    scheibe::_fuer_alle_paare(*ww, [&](PhysviscWW& w) { w.sigma(phys); });
-    scheibe::_fuer_alle_teilchen(teilchen, [&](PhysviscTeilchen& t) { t.sigma(phys); });
-    scheibe::_fuer_alle_paare(*ww, [&](PhysviscWW& w) { w.physvisc(phys); });
-    scheibe::_fuer_alle_teilchen(teilchen, [&](PhysviscTeilchen& t) { t.add_physvisc(phys); });
+    const double dfak = scheibe::kernel1(phys).dfak;
+    const double fs = dfak * phys.mTeilchen;
+    scheibe::_fuer_alle_teilchen(teilchen, *gitter, [&](PhysviscTeilchen& t) {
+        double s[6] = {0, 0, 0, 0, 0, 0};
+        scheibe::vorladen(t.pvww, &SphWW::dv, &SphWW::dW, &PhysviscWW::pt1,
+                          &PhysviscWW::sigmaTensor);
+        for (PhysviscWW* w : t.pvww) {
+            double paar[6];
+            w->schertensor(paar);
+            const PhysviscTeilchen* anderer = w->pt2;
+            if (w->pt1 != &t)
+                anderer = w->pt1;
+            else
+                for (int c = 0; c < 6; ++c)
+                    w->sigmaTensor[c] = paar[c];
+            for (int c = 0; c < 6; ++c)
+                s[c] += paar[c] / anderer->rho;
+        }
+        for (int c = 0; c < 6; ++c)
+            t.sigmaTensor[c] = s[c] * fs;
+    });
+    const double fa = phys.mTeilchen * phys.viskositaet * dfak;
+    scheibe::_fuer_alle_teilchen(teilchen, *gitter, [&](PhysviscTeilchen& t) {
+        double A[3] = {0, 0, 0};
+        scheibe::vorladen(t.pvww, &SphWW::dW, &PhysviscWW::pt1, &PhysviscWW::physviscVektor);
+        for (PhysviscWW* w : t.pvww) {
+            double p[3];
+            w->viskosvektor(p);
+            if (w->pt1 == &t) {
+                for (int k = 0; k < 3; ++k) {
+                    w->physviscVektor[k] = p[k];
+                    A[k] += p[k];
+                }
+            } else {
+                for (int k = 0; k < 3; ++k)
+                    A[k] += -p[k];
+            }
+        }
+        for (int k = 0; k < 3; ++k) {
+            A[k] = A[k] * fa;
+            t.aPhysvisc[k] = A[k];
+            t.a[k] = t.a[k] + A[k];
+        }
+    });
 }

@@ -17,18 +17,19 @@ void PhysviscWW::_init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[
     pt2 = q;
 }
 
-void PhysviscWW::sigma(PhysSystem&) {
+void PhysviscWW::schertensor(double s[6]) const {
     const Vektor3& a = dv;
     const Vektor3& b = dW;
-    sigmaTensor[0] =
-        1.3333333333333333 * a[0] * b[0] - 0.6666666666666666 * (a[1] * b[1] + a[2] * b[2]);
-    sigmaTensor[1] = a[0] * b[1] + a[1] * b[0];
-    sigmaTensor[2] = a[0] * b[2] + a[2] * b[0];
-    sigmaTensor[3] =
-        1.3333333333333333 * a[1] * b[1] - 0.6666666666666666 * (a[0] * b[0] + a[2] * b[2]);
-    sigmaTensor[4] = a[1] * b[2] + a[2] * b[1];
-    sigmaTensor[5] =
-        1.3333333333333333 * a[2] * b[2] - 0.6666666666666666 * (a[0] * b[0] + a[1] * b[1]);
+    s[0] = 1.3333333333333333 * a[0] * b[0] - 0.6666666666666666 * (a[1] * b[1] + a[2] * b[2]);
+    s[1] = a[0] * b[1] + a[1] * b[0];
+    s[2] = a[0] * b[2] + a[2] * b[0];
+    s[3] = 1.3333333333333333 * a[1] * b[1] - 0.6666666666666666 * (a[0] * b[0] + a[2] * b[2]);
+    s[4] = a[1] * b[2] + a[2] * b[1];
+    s[5] = 1.3333333333333333 * a[2] * b[2] - 0.6666666666666666 * (a[0] * b[0] + a[1] * b[1]);
+}
+
+void PhysviscWW::sigma(PhysSystem&) {
+    schertensor(sigmaTensor.data());
 }
 
 void PhysviscWW::sigma_von(const PhysviscTeilchen* t, double s[6]) const {
@@ -49,14 +50,18 @@ Tensor6 PhysviscWW::sigma(PhysviscTeilchen* t) {
     return s;
 }
 
-void PhysviscWW::physvisc(PhysSystem&) {
+void PhysviscWW::viskosvektor(double p[3]) const {
     double T[6];
     for (int c = 0; c < 6; ++c)
         T[c] = pt1->sigmaTensor[c] / pt2->rho + pt2->sigmaTensor[c] / pt1->rho;
     const Vektor3& b = dW;
-    physviscVektor[0] = T[0] * b[0] + T[1] * b[1] + T[2] * b[2];
-    physviscVektor[1] = T[1] * b[0] + T[3] * b[1] + T[4] * b[2];
-    physviscVektor[2] = T[2] * b[0] + T[4] * b[1] + T[5] * b[2];
+    p[0] = T[0] * b[0] + T[1] * b[1] + T[2] * b[2];
+    p[1] = T[1] * b[0] + T[3] * b[1] + T[4] * b[2];
+    p[2] = T[2] * b[0] + T[4] * b[1] + T[5] * b[2];
+}
+
+void PhysviscWW::physvisc(PhysSystem&) {
+    viskosvektor(physviscVektor.data());
 }
 
 void PhysviscWW::physvisc_von(const PhysviscTeilchen* t, double p[3]) const {

@@ -21,10 +21,14 @@ public:
     // Traceless symmetric shear form of a = dv and b = dW:
     // a_i b_j + a_j b_i - 2/3 delta_ij a.b.
     void sigma(PhysSystem& phys);
+    // The same into s[6], leaving the pair unchanged.
+    void schertensor(double s[6]) const;
     // sigmaTensor / rho of the partner that is not t.
     Tensor6 sigma(PhysviscTeilchen* t);
     // (sigma_1 / rho_2 + sigma_2 / rho_1) applied to dW.
     void physvisc(PhysSystem& phys);
+    // The same into p[3], leaving the pair unchanged.
+    void viskosvektor(double p[3]) const;
     // physviscVektor as it acts on t: itself for pt1, negated for pt2.
     Vektor3 physvisc(PhysviscTeilchen* t);
 

@@ -36,8 +36,8 @@ void PressArtviscAkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
 void PressArtviscAkkScheibe::add_press(PhysSystem& phys) {
-    scheibe::_add_press(teilchen, ww.get(), phys);
+    scheibe::_add_press(teilchen, *gitter, ww.get(), phys);
 }
 void PressArtviscAkkScheibe::add_artvisc(PhysSystem& phys) {
-    scheibe::_add_artvisc(teilchen, ww.get(), phys);
+    scheibe::_add_artvisc(teilchen, *gitter, ww.get(), phys);
 }

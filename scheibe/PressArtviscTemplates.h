@@ -11,6 +11,7 @@
 #include "physik/Kernel1.h"
 #include "physik/PhysSystem.h"
 #include "scheibe/Faeden.h"
+#include "scheibe/Gitter.h"
 #include "scheibe/Paare.h"
 #include "scheibe/PhysviscWW.h"
 
@@ -24,6 +25,14 @@ inline const Kernel1& kernel1(const PhysSystem& phys) {
     return *static_cast<const Kernel1*>(phys.kernel);
 }
 
+// Asks the memory system for the given fields of all of a particle's pair
+// records at once, before the sum walks them one by one: the records lie
+// apart, and fetching them one after the other would wait for each in turn.
+template <class L, class... F> void vorladen(const L& paare, F... felder) {
+    for (const auto* w : paare)
+        (__builtin_prefetch(&(w->*felder)), ...);
+}
+
 // Density rho = m fak S with S = 1 + sum of W, and the equation of state of
 // an ideal gas with gamma = 5/3: P = 0.0005 rho^(5/3), T = 14565369377.767422
 // rho^(2/3), and the isothermal sound speed c with c^2 = 3.4328e-14 T = P/rho.
@@ -35,27 +44,37 @@ template <class T> void _zustand(T& t, double s, PhysSystem& phys) {
 }
 
 template <class T, class L> void _force_init(T& t, const L& paare, PhysSystem& phys) {
+    vorladen(paare, &SphWW::W);
     double s = 1.0;
     for (const auto* w : paare)
         s += w->W;
     _zustand(t, s, phys);
 }
 
+// The pressure term (P_i + P_j) / (rho_i rho_j) of a pair.
+template <class T> double _pressterm(const T* erster, const T* zweiter) {
+    return (erster->p + zweiter->p) / (erster->rho * zweiter->rho);
+}
+
+// The viscosity term Pi_ij of a pair; zero unless the partners approach each
+// other (v_ij . r_ij < 0; also zero when that is not a number).
+template <class T, class W>
+double _piterm(const W& w, const T* erster, const T* zweiter, const PhysSystem& phys) {
+    double s = w.dv[0] * w.r[0] + w.dv[1] * w.r[1] + w.dv[2] * w.r[2];
+    if (!(s < 0))
+        return 0;
+    const double h = phys.h;
+    double mu = h * s / (w.d * w.d + 0.01 * (h * h));
+    return mu * (-phys.alpha * (erster->cs + zweiter->cs) + 2 * phys.beta * mu) /
+           (erster->rho + zweiter->rho);
+}
+
 template <class T, class W> void _press(W& w, T* erster, T* zweiter, PhysSystem&) {
-    w.press = (erster->p + zweiter->p) / (erster->rho * zweiter->rho);
+    w.press = _pressterm(erster, zweiter);
 }
 
 template <class T, class W> void _pi(W& w, T* erster, T* zweiter, PhysSystem& phys) {
-    // v_ij . r_ij < 0: the partners approach each other.
-    double s = w.dv[0] * w.r[0] + w.dv[1] * w.r[1] + w.dv[2] * w.r[2];
-    if (!(s < 0)) {
-        w.pi = 0;
-        return;
-    }
-    const double h = phys.h;
-    double mu = h * s / (w.d * w.d + 0.01 * (h * h));
-    w.pi = mu * (-phys.alpha * (erster->cs + zweiter->cs) + 2 * phys.beta * mu) /
-           (erster->rho + zweiter->rho);
+    w.pi = _piterm(w, erster, zweiter, phys);
 }
 
 // The pair's gradient as seen from particle t (zeros and a message for a
@@ -94,35 +113,60 @@ void _add_artvisc(T& t, T* self, const L& paare, PhysSystem& phys) {
     _sammle(t, self, paare, phys, t.aArtvisc, [](const auto& w) { return w.pi; });
 }
 
-// A pair pass: f(pair) for every pair, each slab's pairs by one thread.
-template <class W, class F> void _fuer_alle_paare(Paarliste<W>& ww, F f) {
-    const std::ptrdiff_t slabs = static_cast<std::ptrdiff_t>(ww.anzahlTeile());
-#pragma omp parallel for schedule(static, 1) if (slabs > 1)
-    for (std::ptrdiff_t sl = 0; sl < slabs; ++sl)
-        ww.teile[std::size_t(sl)].fuer_alle(f);
+// A particle pass: f(particle) for every particle, in the grid's slot order.
+template <class T, class F> void _fuer_alle_teilchen(std::vector<T>& teilchen, const Gitter<T>& g, F f) {
+    g.fuerJedenSlot(teilchen.size(), [&](std::size_t i) { f(teilchen[i]); });
 }
 
-// A particle pass: f(particle) for every particle. Each particle gathers its
-// own sum over its own pairs in pair-list order, so no sum is split between
-// threads.
-template <class T, class F> void _fuer_alle_teilchen(std::vector<T>& teilchen, F f) {
-    const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(teilchen.size());
-#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
-    for (std::ptrdiff_t i = 0; i < n; ++i)
-        f(teilchen[std::size_t(i)]);
+// One particle's accumulation A = -m f_grad sum term(pair) g over its pairs
+// in pair-list order, with each pair's term formed on the way from the pair
+// and its two partners, first and second, as the pair pass would form it;
+// the pair's first partner stores it in the pair (`feld`), so that after the
+// pass every pair holds its term. The sum is this particle's own, so the
+// particles can be handled in any order and on any thread.
+template <class T, class W, class Term, class... Felder>
+void _sammleMitTerm(T& t, PhysSystem& phys, Vektor3& ziel, double W::*feld, Term term,
+                    Felder... gelesen) {
+    double A[3] = {0, 0, 0};
+    vorladen(paare(t), &W::pt1, &SphWW::dW, feld, gelesen...);
+    for (W* w : paare(t)) {
+        const double f = term(*w);
+        if (w->pt1 == &t) {
+            w->*feld = f;
+            for (int k = 0; k < 3; ++k)
+                A[k] = A[k] - f * w->dW[k];
+        } else {
+            for (int k = 0; k < 3; ++k) {
+                const double g = -w->dW[k];
+                A[k] = A[k] - f * g;
+            }
+        }
+    }
+    const double faktor = phys.mTeilchen * kernel1(phys).dfak;
+    for (int k = 0; k < 3; ++k) {
+        A[k] = A[k] * faktor;
+        ziel[k] = A[k];
+        t.a[k] = t.a[k] + A[k];
+    }
 }
 
-// The whole passes: first every pair's term, then every particle's sum.
+// The whole passes: every pair's term, then every particle's sum, fused into
+// one pass over the particles.
 template <class T, class W>
-void _add_press(std::vector<T>& teilchen, Paarliste<W>* ww, PhysSystem& phys) {
-    _fuer_alle_paare(*ww, [&](W& w) { _press(w, w.pt1, w.pt2, phys); });
-    _fuer_alle_teilchen(teilchen, [&](T& t) { _add_press(t, &t, paare(t), phys); });
+void _add_press(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>*, PhysSystem& phys) {
+    _fuer_alle_teilchen(teilchen, g, [&](T& t) {
+        _sammleMitTerm<T, W>(t, phys, t.aPress, &W::press,
+                       [](const W& w) { return _pressterm(w.pt1, w.pt2); });
+    });
 }
 
 template <class T, class W>
-void _add_artvisc(std::vector<T>& teilchen, Paarliste<W>* ww, PhysSystem& phys) {
-    _fuer_alle_paare(*ww, [&](W& w) { _pi(w, w.pt1, w.pt2, phys); });
-    _fuer_alle_teilchen(teilchen, [&](T& t) { _add_artvisc(t, &t, paare(t), phys); });
+void _add_artvisc(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>*, PhysSystem& phys) {
+    _fuer_alle_teilchen(teilchen, g, [&](T& t) {
+        _sammleMitTerm<T, W>(t, phys, t.aArtvisc, &W::pi,
+                       [&](const W& w) { return _piterm(w, w.pt1, w.pt2, phys); }, &SphWW::r,
+                       &SphWW::dv);
+    });
 }
 
 } // namespace scheibe

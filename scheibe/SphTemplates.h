@@ -109,21 +109,22 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
                     const double dv[3] = {vx[q] - vx[p], vy[q] - vy[p], vz[q] - vz[p]};
                     W& w = teil.emplace_back();
                     w._init(&teilchen[ip], &teilchen[iq], s, s2, dv, kernel);
-                    ++zaehler[ip];
-                    ++zaehler[iq];
+                    ++zaehler[p];
+                    ++zaehler[q];
                 });
     }
 
-    // Particle i's pairs go to index[start[i] ..]; the counts become each
-    // slab's place within that stretch.
+    // The pairs of the particle in slot s go to index[start[s] ..]: in slot
+    // order, so that a pass over the particles in slot order reads the index
+    // front to back. The counts become each slab's place within a stretch.
     ww.start.resize(n + 1);
     std::size_t summe = 0;
-    for (std::size_t i = 0; i < n; ++i) {
-        ww.start[i] = summe;
+    for (std::size_t s = 0; s < n; ++s) {
+        ww.start[s] = summe;
         std::uint32_t vorher = 0;
         for (std::size_t sl = 0; sl < anzahl; ++sl) {
-            const std::uint32_t c = ww.zaehler[sl][i];
-            ww.zaehler[sl][i] = vorher;
+            const std::uint32_t c = ww.zaehler[sl][s];
+            ww.zaehler[sl][s] = vorher;
             vorher += c;
         }
         summe += vorher;
@@ -132,22 +133,21 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
     ww.index.resize(summe);
 
     T* basis = teilchen.data();
+    const std::uint32_t* slot = g.slot.data();
 #pragma omp parallel for schedule(static, 1) if (slabs > 1)
     for (std::ptrdiff_t sl = 0; sl < slabs; ++sl) {
         std::vector<std::uint32_t>& platz = ww.zaehler[std::size_t(sl)];
         ww.teile[std::size_t(sl)].fuer_alle([&](W& w) {
-            const std::size_t i1 = std::size_t(static_cast<T*>(w.t1) - basis);
-            const std::size_t i2 = std::size_t(static_cast<T*>(w.t2) - basis);
-            ww.index[ww.start[i1] + platz[i1]++] = &w;
-            ww.index[ww.start[i2] + platz[i2]++] = &w;
+            const std::uint32_t s1 = slot[static_cast<T*>(w.t1) - basis];
+            const std::uint32_t s2 = slot[static_cast<T*>(w.t2) - basis];
+            ww.index[ww.start[s1] + platz[s1]++] = &w;
+            ww.index[ww.start[s2] + platz[s2]++] = &w;
         });
     }
-    const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
-#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
-    for (std::ptrdiff_t i = 0; i < nn; ++i) {
-        const std::size_t a = ww.start[std::size_t(i)], e = ww.start[std::size_t(i) + 1];
-        paare(teilchen[std::size_t(i)]).zeige(ww.index.data() + a, e - a);
-    }
+    g.fuerJedenSlot(n, [&](std::size_t i) {
+        const std::size_t s = slot[i], a = ww.start[s], e = ww.start[s + 1];
+        paare(teilchen[i]).zeige(ww.index.data() + a, e - a);
+    });
 }
 
 // Preparation of every evaluation of the forces: accelerations to zero, the
@@ -166,9 +166,7 @@ void _force_init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitte
     }
     _createww(disc, teilchen, gitter, ww, phys);
     std::cout << "Anzahl WWPartnern: " << static_cast<unsigned>(ww.size()) << '\n';
-#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
-    for (std::ptrdiff_t i = 0; i < n; ++i)
-        teilchen[std::size_t(i)]._force_init(phys);
+    gitter.fuerJedenSlot(teilchen.size(), [&](std::size_t i) { teilchen[i]._force_init(phys); });
 }
 
 } // namespace scheibe

@@ -123,13 +123,15 @@ template <class T, class F> void _fuer_alle_teilchen(std::vector<T>& teilchen, c
 // and its two partners, first and second, as the pair pass would form it;
 // the pair's first partner stores it in the pair (`feld`), so that after the
 // pass every pair holds its term. The sum is this particle's own, so the
-// particles can be handled in any order and on any thread.
+// particles can be handled in any order and on any thread. The partners are
+// read through the gas pair's own pointers (the same particles as those of a
+// viscous pair), which lie next to the gradient and the two terms.
 template <class T, class W, class Term, class... Felder>
-void _sammleMitTerm(T& t, PhysSystem& phys, Vektor3& ziel, double W::*feld, Term term,
-                    Felder... gelesen) {
+void _sammleMitTerm(T& t, PhysSystem& phys, Vektor3& ziel, double PressArtviscWW::*feld,
+                    Term term, Felder... gelesen) {
     double A[3] = {0, 0, 0};
-    vorladen(paare(t), &W::pt1, &SphWW::dW, feld, gelesen...);
-    for (W* w : paare(t)) {
+    vorladen(paare(t), &PressArtviscWW::pt1, &SphWW::dW, feld, gelesen...);
+    for (PressArtviscWW* w : paare(t)) {
         const double f = term(*w);
         if (w->pt1 == &t) {
             w->*feld = f;
@@ -156,7 +158,7 @@ template <class T, class W>
 void _add_press(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>*, PhysSystem& phys) {
     _fuer_alle_teilchen(teilchen, g, [&](T& t) {
         _sammleMitTerm<T, W>(t, phys, t.aPress, &W::press,
-                       [](const W& w) { return _pressterm(w.pt1, w.pt2); });
+                       [](const PressArtviscWW& w) { return _pressterm(w.pt1, w.pt2); });
     });
 }
 
@@ -164,7 +166,8 @@ template <class T, class W>
 void _add_artvisc(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>*, PhysSystem& phys) {
     _fuer_alle_teilchen(teilchen, g, [&](T& t) {
         _sammleMitTerm<T, W>(t, phys, t.aArtvisc, &W::pi,
-                       [&](const W& w) { return _piterm(w, w.pt1, w.pt2, phys); }, &SphWW::r,
+                       [&](const PressArtviscWW& w) { return _piterm(w, w.pt1, w.pt2, phys); },
+                       &SphWW::r,
                        &SphWW::dv);
     });
 }

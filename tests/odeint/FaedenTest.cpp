@@ -1,0 +1,161 @@
+// Threads: the force evaluation and the stepper give the same bits on any
+// number of threads, and every particle lists its pairs in pair-list order
+// however the pair search was split. A whole run rounds its output to six
+// digits and rarely shows a changed order of additions; these tests compare
+// every double of the state.
+
+#include "init/InitAkkScheibe.h"
+#include "init/InitOdeint.h"
+#include "init/InitPhysSystem.h"
+#include "kraefte/Artvisc.h"
+#include "kraefte/Externforce.h"
+#include "kraefte/Kraefte.h"
+#include "kraefte/Physvisc.h"
+#include "kraefte/Pressure.h"
+#include "odeint/RungeKutta.h"
+#include "physik/Kernel1.h"
+#include "physik/PhysSystem.h"
+#include "scheibe/PhysviscAkkScheibe.h"
+#include "tests/Hilfen.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <map>
+#include <omp.h>
+#include <random>
+#include <sstream>
+#include <vector>
+
+namespace {
+
+// 4000 particles on near-Kepler orbits between 0.08 and 0.3 from the primary
+// (x = 0.0649 in the default binary), heights of +-0.01, a tenth of them
+// beyond the grid box in z (|z| > 0.043) and a few beyond it in x; with
+// h = 0.02 a particle has some 15 partners.
+std::string scheibe(unsigned seed) {
+    std::mt19937_64 zufall(seed);
+    std::uniform_real_distribution<double> u(0, 1);
+    std::ostringstream f;
+    const int n = 4000;
+    f << "Teilchenanzahl " << n << "\nZeit 0\n\n\nTeilchendaten:\n\n";
+    f.precision(17);
+    for (int i = 0; i < n; ++i) {
+        const double R = 0.08 + 0.22 * u(zufall), phi = 6.283185307179586 * u(zufall);
+        double z = 0.02 * (u(zufall) - 0.5);
+        if (i % 10 == 0)
+            z *= 6;
+        const double x = 0.0649 + R * std::cos(phi) + (i % 500 == 0 ? 0.5 : 0.0);
+        const double vk = std::sqrt(3.9371199385708905e-7 * 0.685 / R);
+        f << x << ' ' << R * std::sin(phi) << ' ' << z << ' ' << -vk * std::sin(phi) * u(zufall)
+          << ' ' << vk * std::cos(phi) << ' ' << 1e-6 * (u(zufall) - 0.5) << '\n';
+    }
+    return f.str();
+}
+
+struct Zustand {
+    std::vector<std::uint64_t> bits; // every double, as its bit pattern
+    void operator<<(double x) {
+        std::uint64_t b;
+        std::memcpy(&b, &x, sizeof b);
+        bits.push_back(b);
+    }
+};
+
+// One evaluation of all four forces and one adaptive step on `faeden`
+// threads; every per-particle and per-pair double of the evaluation, then the
+// state after the step.
+Zustand laufe(int faeden, unsigned seed) {
+    const int vorher = omp_get_max_threads();
+    omp_set_num_threads(faeden);
+    hilfen::TempOrdner ordner;
+    const std::string p = ordner.datei("p"), d = ordner.datei("Akk-0");
+    hilfen::schreibe(p, hilfen::parameter("Anfangsschrittweite 20"));
+    hilfen::schreibe(d, scheibe(seed));
+    InitPhysSystem ip(p.c_str(), d.c_str());
+    Kernel1 kernel(ip);
+    PhysSystem phys(ip, &kernel);
+    InitAkkScheibe ia(p.c_str(), d.c_str());
+    InitOdeint io(p.c_str());
+    PhysviscAkkScheibe s(ia, phys);
+    Kraefte k;
+    k.add(new Externforce);
+    k.add(new Pressure);
+    k.add(new Artvisc);
+    k.add(new Physvisc);
+    hilfen::Mitschnitt still(std::cout);
+
+    Zustand z;
+    k.derivatives(s, phys);
+    for (const PhysviscTeilchen& t : s.teilchen) {
+        for (int c = 0; c < 3; ++c)
+            z << t.a[c], z << t.aPress[c], z << t.aArtvisc[c], z << t.aPhysvisc[c];
+        for (double x : t.sigmaTensor)
+            z << x;
+        z << t.rho, z << t.p, z << t.temperatur, z << t.cs;
+    }
+    for (PhysviscWW& w : *s.ww) {
+        z << double(w.pt1 - s.teilchen.data()), z << double(w.pt2 - s.teilchen.data());
+        z << w.d, z << w.W, z << w.press, z << w.pi;
+        for (int c = 0; c < 3; ++c)
+            z << w.r[c], z << w.dv[c], z << w.dW[c], z << w.physviscVektor[c];
+        for (double x : w.sigmaTensor)
+            z << x;
+    }
+    RungeKutta rk(s, io);
+    double hdid = 0, hnext = 0;
+    rk.stepper(s, phys, k, &hdid, &hnext);
+    z << hdid, z << hnext, z << s.t();
+    for (const PhysviscTeilchen& t : s.teilchen)
+        for (int c = 0; c < 3; ++c)
+            z << t.r[c], z << t.v[c], z << t.a[c];
+    omp_set_num_threads(vorher);
+    return z;
+}
+
+TEST(Faeden, JedeFadenzahlGibtDieselbenBits) {
+    for (unsigned seed : {1u, 2u}) {
+        const Zustand einer = laufe(1, seed);
+        ASSERT_GT(einer.bits.size(), 100000u);
+        for (int faeden : {2, 3, 5})
+            EXPECT_TRUE(laufe(faeden, seed).bits == einer.bits) << faeden << " threads, seed " << seed;
+    }
+}
+
+TEST(Faeden, JedesTeilchenListetSeinePaareInListenordnung) {
+    // Split over 3 slabs, each particle's list must be exactly its pairs, in
+    // the order in which they stand in the pair list.
+    const int vorher = omp_get_max_threads();
+    omp_set_num_threads(3);
+    hilfen::TempOrdner ordner;
+    const std::string p = ordner.datei("p"), d = ordner.datei("Akk-0");
+    hilfen::schreibe(p, hilfen::parameter(""));
+    hilfen::schreibe(d, scheibe(3));
+    InitPhysSystem ip(p.c_str(), d.c_str());
+    Kernel1 kernel(ip);
+    PhysSystem phys(ip, &kernel);
+    InitAkkScheibe ia(p.c_str(), d.c_str());
+    PhysviscAkkScheibe s(ia, phys);
+    {
+        hilfen::Mitschnitt still(std::cout);
+        s.force_init(phys);
+    }
+    omp_set_num_threads(vorher);
+    ASSERT_EQ(s.ww->anzahlTeile(), 3u);
+    std::map<const PhysviscTeilchen*, std::vector<const PhysviscWW*>> erwartet;
+    for (PhysviscWW& w : *s.ww) {
+        erwartet[w.pt1].push_back(&w);
+        erwartet[w.pt2].push_back(&w);
+    }
+    std::size_t mitPaaren = 0;
+    for (const PhysviscTeilchen& t : s.teilchen) {
+        const std::vector<const PhysviscWW*> liste(t.pvww.begin(), t.pvww.end());
+        EXPECT_EQ(liste, erwartet[&t]);
+        mitPaaren += !liste.empty();
+    }
+    EXPECT_GT(mitPaaren, 3500u);
+}
+
+} // namespace

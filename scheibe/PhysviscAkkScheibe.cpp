@@ -69,21 +69,19 @@ void PhysviscAkkScheibe::add_physvisc(PhysSystem& phys) {
         for (int c = 0; c < 6; ++c)
             t.sigmaTensor[c] = s[c] * fs;
     });
+    // The pair vectors take twelve divisions each: formed once per pair.
+    scheibe::_fuer_alle_paare(*ww, [&](PhysviscWW& w) { w.physvisc(phys); });
     const double fa = phys.mTeilchen * phys.viskositaet * dfak;
     scheibe::_fuer_alle_teilchen(teilchen, *gitter, [&](PhysviscTeilchen& t) {
         double A[3] = {0, 0, 0};
-        scheibe::vorladen(t.pvww, &SphWW::dW, &PhysviscWW::pt1, &PhysviscWW::physviscVektor);
-        for (PhysviscWW* w : t.pvww) {
-            double p[3];
-            w->viskosvektor(p);
+        scheibe::vorladen(t.pvww, &PhysviscWW::pt1, &PhysviscWW::physviscVektor);
+        for (const PhysviscWW* w : t.pvww) {
             if (w->pt1 == &t) {
-                for (int k = 0; k < 3; ++k) {
-                    w->physviscVektor[k] = p[k];
-                    A[k] += p[k];
-                }
+                for (int k = 0; k < 3; ++k)
+                    A[k] += w->physviscVektor[k];
             } else {
                 for (int k = 0; k < 3; ++k)
-                    A[k] += -p[k];
+                    A[k] += -w->physviscVektor[k];
             }
         }
         for (int k = 0; k < 3; ++k) {

@@ -113,6 +113,14 @@ void _add_artvisc(T& t, T* self, const L& paare, PhysSystem& phys) {
     _sammle(t, self, paare, phys, t.aArtvisc, [](const auto& w) { return w.pi; });
 }
 
+// A pair pass: f(pair) for every pair, each slab's pairs on one thread.
+template <class W, class F> void _fuer_alle_paare(Paarliste<W>& ww, F f) {
+    const std::ptrdiff_t slabs = static_cast<std::ptrdiff_t>(ww.anzahlTeile());
+#pragma omp parallel for schedule(static, 1) if (slabs > 1)
+    for (std::ptrdiff_t sl = 0; sl < slabs; ++sl)
+        ww.teile[std::size_t(sl)].fuer_alle(f);
+}
+
 // A particle pass: f(particle) for every particle, in the grid's slot order.
 template <class T, class F> void _fuer_alle_teilchen(std::vector<T>& teilchen, const Gitter<T>& g, F f) {
     g.fuerJedenSlot(teilchen.size(), [&](std::size_t i) { f(teilchen[i]); });

@@ -1,8 +1,9 @@
 // Benchmarks of the force evaluation: the pair search (force_init), each
-// force, and a whole Cash-Karp step with all four forces, on discs of 1e3,
-// 1e4 and 1e5 particles. Beside the grid search, two peers find the same
-// pairs: a k-d tree radius search (nanoflann) and, at the small size, brute
-// force; both are checked to find exactly the grid's pair set. Heap
+// force, and a whole Cash-Karp step with all four forces, on discs of 1e3 to
+// 1e6 particles, each on one thread and on all (the second argument; all =
+// OMP_NUM_THREADS or every core). Beside the grid search, two peers find the
+// same pairs: a k-d tree radius search (nanoflann) and, at the small size,
+// brute force; both are checked to find exactly the grid's pair set. Heap
 // allocations are counted per evaluation and per step in the steady state.
 
 #include "bench/Szenario.h"
@@ -18,6 +19,7 @@
 
 #include <benchmark/benchmark.h>
 #include <nanoflann.hpp>
+#include <omp.h>
 
 #include <algorithm>
 #include <array>
@@ -36,6 +38,15 @@ Szenario& szenario(long n) {
         s = std::make_unique<Szenario>(n);
     return *s;
 }
+
+// The thread count of a benchmark (its second argument) for its lifetime.
+struct Faeden {
+    int vorher = omp_get_max_threads();
+    explicit Faeden(const benchmark::State& state) {
+        omp_set_num_threads(static_cast<int>(state.range(1)));
+    }
+    ~Faeden() { omp_set_num_threads(vorher); }
+};
 
 // The discs print their pair count at every evaluation; not here.
 struct Stumm {
@@ -71,6 +82,7 @@ template <class D> Paarmenge paareVon(D& s) {
 // Pair search, pair records and per-particle state of one disc class.
 template <class Scheibe> void BM_ForceInit(benchmark::State& state) {
     Szenario& sz = szenario(state.range(0));
+    Faeden faeden(state);
     Stumm stumm;
     Scheibe s(*sz.initScheibe, *sz.phys);
     s.force_init(*sz.phys);
@@ -85,6 +97,7 @@ template <class Scheibe> void BM_ForceInit(benchmark::State& state) {
 // One force alone on a prepared disc (the forces only add to a).
 template <class Kraft> void BM_Kraft(benchmark::State& state) {
     Szenario& sz = szenario(state.range(0));
+    Faeden faeden(state);
     Stumm stumm;
     PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
     s.force_init(*sz.phys);
@@ -101,10 +114,14 @@ template <class Kraft> void BM_Kraft(benchmark::State& state) {
 // One step as the main loop makes it: the forces on the disc, then the
 // stepper (five more evaluations per try), with a fixed trial step of 1 s.
 // Steps before counting: the pair lists of all stage discs grow to their size.
-const int aufwaermen = 20;
+// (A few at 1e6, where a step takes seconds.)
+int aufwaermen(long n) {
+    return n >= 1000000 ? 3 : 20;
+}
 
 void BM_RungeKuttaSchritt(benchmark::State& state) {
     Szenario& sz = szenario(state.range(0));
+    Faeden faeden(state);
     Stumm stumm;
     PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
     Kraefte kraefte;
@@ -119,7 +136,7 @@ void BM_RungeKuttaSchritt(benchmark::State& state) {
         kraefte.derivatives(s, *sz.phys);
         rk.stepper(s, *sz.phys, kraefte, &hdid, &hnext);
     };
-    for (int i = 0; i < aufwaermen; ++i)
+    for (int i = 0; i < aufwaermen(state.range(0)); ++i)
         schritt();
     const std::size_t vorher = anzahlZuweisungen();
     for (auto _ : state)
@@ -234,19 +251,30 @@ void BM_BruteForce(benchmark::State& state) {
     paarZaehler(state, double(s.ww->size()));
 }
 
-const std::vector<long> groessen = {1000, 10000, 100000};
+const std::vector<long> groessen = {1000, 10000, 100000, 1000000};
 
+// Every size on one thread and on all.
 void groesse(benchmark::internal::Benchmark* b) {
+    const long alle = omp_get_max_threads();
     for (long n : groessen)
-        b->Arg(n);
+        for (long t : {1L, alle})
+            if (t == 1 || alle > 1)
+                b->Args({n, t});
+    b->Unit(benchmark::kMillisecond);
+}
+
+// The peers are serial; one thread, every size.
+void groesseSeriell(benchmark::internal::Benchmark* b) {
+    for (long n : groessen)
+        b->Args({n, 1});
     b->Unit(benchmark::kMillisecond);
 }
 
 BENCHMARK_TEMPLATE(BM_ForceInit, SphAkkScheibe)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_ForceInit, PhysviscAkkScheibe)->Apply(groesse);
-BENCHMARK(BM_Gittersuche)->Apply(groesse);
-BENCHMARK(BM_Nanoflann)->Apply(groesse);
-BENCHMARK(BM_BruteForce)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Gittersuche)->Apply(groesseSeriell);
+BENCHMARK(BM_Nanoflann)->Apply(groesseSeriell);
+BENCHMARK(BM_BruteForce)->Args({1000, 1})->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_Kraft, Externforce)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Pressure)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Artvisc)->Apply(groesse);

@@ -15,11 +15,12 @@
 // copied next to each other: the pair search then reads contiguous memory
 // instead of chasing particle pointers.
 //
-// Up to 2^24 cells the grid keeps a table of every cell's slots. A smoothing
-// length far below the box (a slip in the parameter file) would make that
-// table unallocatable; such a grid keeps only its occupied cells, in
-// (i, j, k) order, and finds a neighbour by binary search. Both forms visit
-// the same cells in the same order, so the pairs are the same.
+// Up to 2^24 cells, or 32 cells per particle (128 bytes of table per
+// particle), the grid keeps a table of every cell's slots. A smoothing length
+// far below the box (a slip in the parameter file) would make that table
+// unallocatable; such a grid keeps only its occupied cells, in (i, j, k)
+// order, and finds a neighbour by binary search. Both forms visit the same
+// cells in the same order, so the pairs are the same.
 template <class T> class Gitter {
 public:
     using Index = std::array<int, 3>; // (i, j, k)
@@ -41,11 +42,13 @@ public:
     std::vector<std::uint32_t> index; // index in the particle vector, by slot
     std::vector<std::uint32_t> slot;  // slot of each particle, by index
 
-    void anlegen(int nx_, int ny_, int nz_) {
+    // Lays out nx * ny * nz cells for a disc of `teilchen` particles.
+    void anlegen(int nx_, int ny_, int nz_, std::size_t teilchen = 0) {
         nx = nx_;
         ny = ny_;
         nz = nz_;
-        dicht = double(nx) * double(ny) * double(nz) <= double(1 << 24);
+        const double zellen = double(nx) * double(ny) * double(nz);
+        dicht = zellen <= double(1 << 24) || zellen <= 32.0 * double(teilchen);
         if (dicht)
             anfang.assign(std::size_t(nx) * std::size_t(ny) * std::size_t(nz) + 1, 0);
     }
@@ -172,7 +175,8 @@ private:
                                 [](const Zelle& c, int e) { return c.ijk[0] < e; });
     }
 
-    std::vector<std::size_t> zelleVonSlot;                  // dense: cell of each particle
+    std::vector<std::size_t> zelleVonSlot;
+    std::vector<std::uint32_t> blocksumme; // dense: running sums at the ends of the threads' blocks                  // dense: cell of each particle
     std::vector<std::pair<Index, std::uint32_t>> nachZelle; // sparse: (cell, particle)
 
     // Slots of cell (i, j, k), empty when it holds no particle.
@@ -201,9 +205,14 @@ private:
     }
 
     // Counting sort over the table of cells.
+    // Counting sort over the table of cells: the counts, their running sum
+    // (anfang[c] = the end of cell c), and the particles placed from the last
+    // to the first, each one place before the end of its cell, so that a
+    // cell lists its particles in vector order and anfang[c] ends at the
+    // start of cell c. The sums are of integers: exact in any grouping, so
+    // the table's passes run on all threads.
     template <class Z> void sortiereDicht(std::vector<T>& alle, Z zelleVon) {
-        const std::size_t n = alle.size();
-        std::fill(anfang.begin(), anfang.end(), 0u);
+        const std::size_t n = alle.size(), zellen = anfang.size() - 1;
         zelleVonSlot.resize(n);
         const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
 #pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
@@ -211,16 +220,35 @@ private:
             const Index c = zelleVon(alle[std::size_t(p)]);
             zelleVonSlot[std::size_t(p)] = zelle(c[0], c[1], c[2]);
         }
+        const std::size_t teile = zellen >= (std::size_t(1) << 16) ? scheibe::anzahlFaeden() : 1;
+        blocksumme.resize(teile + 1);
+        std::uint32_t* a = anfang.data();
+        const std::ptrdiff_t tt = static_cast<std::ptrdiff_t>(teile);
+#pragma omp parallel for schedule(static, 1) if (tt > 1)
+        for (std::ptrdiff_t t = 0; t < tt; ++t)
+            std::fill(a + zellen * std::size_t(t) / teile, a + zellen * std::size_t(t + 1) / teile,
+                      0u);
         for (std::size_t p = 0; p < n; ++p)
-            ++anfang[zelleVonSlot[p] + 1];
-        for (std::size_t c = 1; c < anfang.size(); ++c)
-            anfang[c] += anfang[c - 1];
-        // anfang[c] serves as the cursor of cell c and ends at the start of c + 1.
-        for (std::size_t p = 0; p < n; ++p)
-            setze(anfang[zelleVonSlot[p]]++, alle[p], p);
-        for (std::size_t c = anfang.size() - 1; c > 0; --c)
-            anfang[c] = anfang[c - 1];
-        anfang[0] = 0;
+            ++a[zelleVonSlot[p]];
+#pragma omp parallel for schedule(static, 1) if (tt > 1)
+        for (std::ptrdiff_t t = 0; t < tt; ++t) {
+            std::uint32_t s = 0;
+            for (std::size_t c = zellen * std::size_t(t) / teile;
+                 c < zellen * std::size_t(t + 1) / teile; ++c)
+                a[c] = s += a[c];
+            blocksumme[std::size_t(t) + 1] = s;
+        }
+        blocksumme[0] = 0;
+        for (std::size_t t = 1; t <= teile; ++t)
+            blocksumme[t] += blocksumme[t - 1];
+#pragma omp parallel for schedule(static, 1) if (tt > 1)
+        for (std::ptrdiff_t t = 1; t < tt; ++t)
+            for (std::size_t c = zellen * std::size_t(t) / teile;
+                 c < zellen * std::size_t(t + 1) / teile; ++c)
+                a[c] += blocksumme[std::size_t(t)];
+        a[zellen] = static_cast<std::uint32_t>(n);
+        for (std::size_t p = n; p-- > 0;)
+            setze(--a[zelleVonSlot[p]], alle[p], p);
     }
 
     // Sort by (cell, particle index), then the list of occupied cells.

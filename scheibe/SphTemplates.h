@@ -61,7 +61,7 @@ void _init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter, Ini
     disc.max = {x1 + R, R, 0.1 * R};
     gitter.anlegen(zellenzahl(disc.max[0] - disc.min[0], disc.h),
                    zellenzahl(disc.max[1] - disc.min[1], disc.h),
-                   zellenzahl(disc.max[2] - disc.min[2], disc.h));
+                   zellenzahl(disc.max[2] - disc.min[2], disc.h), teilchen.size());
 }
 
 // Sorts the particles into the grid's cells, in vector order.

@@ -4,7 +4,9 @@
 // result in one place and every floating-point sum is formed by one thread
 // in the serial order, so the results do not depend on the thread count.
 
+#include <algorithm>
 #include <cstddef>
+#include <vector>
 
 #ifdef _OPENMP
 #include <omp.h>
@@ -28,6 +30,40 @@ constexpr std::ptrdiff_t mindestens = 64;
 // Slabs of the pair search for a disc of n particles.
 inline std::size_t anzahlSlabs(std::size_t n) {
     return std::ptrdiff_t(n) < mindestens ? 1 : anzahlFaeden();
+}
+
+// Running sums of integers in place: a[i] becomes a[0] + ... + a[i]. Integer
+// sums are exact in any grouping, so long arrays are summed in one block per
+// thread, each block then shifted by the sum of the blocks before it.
+// `bloecke` is scratch kept by the caller, so that nothing is allocated.
+template <class Z> void laufendeSumme(Z* a, std::size_t n, std::vector<Z>& bloecke) {
+    const std::size_t teile = n >= (std::size_t(1) << 16) ? anzahlFaeden() : 1;
+    bloecke.resize(teile + 1);
+    const std::ptrdiff_t tt = static_cast<std::ptrdiff_t>(teile);
+    auto anfang = [&](std::ptrdiff_t t) { return n * std::size_t(t) / teile; };
+#pragma omp parallel for schedule(static, 1) if (tt > 1)
+    for (std::ptrdiff_t t = 0; t < tt; ++t) {
+        Z s = 0;
+        for (std::size_t i = anfang(t); i < anfang(t + 1); ++i)
+            a[i] = s += a[i];
+        bloecke[std::size_t(t) + 1] = s;
+    }
+    bloecke[0] = 0;
+    for (std::size_t t = 1; t <= teile; ++t)
+        bloecke[t] += bloecke[t - 1];
+#pragma omp parallel for schedule(static, 1) if (tt > 1)
+    for (std::ptrdiff_t t = 1; t < tt; ++t)
+        for (std::size_t i = anfang(t); i < anfang(t + 1); ++i)
+            a[i] += bloecke[std::size_t(t)];
+}
+
+// Sets a[0 .. n) to zero, on all threads for long arrays.
+template <class Z> void nullen(Z* a, std::size_t n) {
+    const std::size_t teile = n >= (std::size_t(1) << 16) ? anzahlFaeden() : 1;
+    const std::ptrdiff_t tt = static_cast<std::ptrdiff_t>(teile);
+#pragma omp parallel for schedule(static, 1) if (tt > 1)
+    for (std::ptrdiff_t t = 0; t < tt; ++t)
+        std::fill(a + n * std::size_t(t) / teile, a + n * std::size_t(t + 1) / teile, Z(0));
 }
 
 } // namespace scheibe

@@ -175,8 +175,8 @@ private:
                                 [](const Zelle& c, int e) { return c.ijk[0] < e; });
     }
 
-    std::vector<std::size_t> zelleVonSlot;
-    std::vector<std::uint32_t> blocksumme; // dense: running sums at the ends of the threads' blocks                  // dense: cell of each particle
+    std::vector<std::size_t> zelleVonSlot; // dense: cell of each particle
+    std::vector<std::uint32_t> blocksumme; // dense: scratch of the running sums
     std::vector<std::pair<Index, std::uint32_t>> nachZelle; // sparse: (cell, particle)
 
     // Slots of cell (i, j, k), empty when it holds no particle.
@@ -220,35 +220,17 @@ private:
             const Index c = zelleVon(alle[std::size_t(p)]);
             zelleVonSlot[std::size_t(p)] = zelle(c[0], c[1], c[2]);
         }
-        const std::size_t teile = zellen >= (std::size_t(1) << 16) ? scheibe::anzahlFaeden() : 1;
-        blocksumme.resize(teile + 1);
         std::uint32_t* a = anfang.data();
-        const std::ptrdiff_t tt = static_cast<std::ptrdiff_t>(teile);
-#pragma omp parallel for schedule(static, 1) if (tt > 1)
-        for (std::ptrdiff_t t = 0; t < tt; ++t)
-            std::fill(a + zellen * std::size_t(t) / teile, a + zellen * std::size_t(t + 1) / teile,
-                      0u);
+        scheibe::nullen(a, zellen);
         for (std::size_t p = 0; p < n; ++p)
             ++a[zelleVonSlot[p]];
-#pragma omp parallel for schedule(static, 1) if (tt > 1)
-        for (std::ptrdiff_t t = 0; t < tt; ++t) {
-            std::uint32_t s = 0;
-            for (std::size_t c = zellen * std::size_t(t) / teile;
-                 c < zellen * std::size_t(t + 1) / teile; ++c)
-                a[c] = s += a[c];
-            blocksumme[std::size_t(t) + 1] = s;
-        }
-        blocksumme[0] = 0;
-        for (std::size_t t = 1; t <= teile; ++t)
-            blocksumme[t] += blocksumme[t - 1];
-#pragma omp parallel for schedule(static, 1) if (tt > 1)
-        for (std::ptrdiff_t t = 1; t < tt; ++t)
-            for (std::size_t c = zellen * std::size_t(t) / teile;
-                 c < zellen * std::size_t(t + 1) / teile; ++c)
-                a[c] += blocksumme[std::size_t(t)];
+        scheibe::laufendeSumme(a, zellen, blocksumme);
         a[zellen] = static_cast<std::uint32_t>(n);
         for (std::size_t p = n; p-- > 0;)
-            setze(--a[zelleVonSlot[p]], alle[p], p);
+            slot[p] = --a[zelleVonSlot[p]];
+#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
+        for (std::ptrdiff_t p = 0; p < nn; ++p)
+            setze(slot[std::size_t(p)], alle[std::size_t(p)], std::size_t(p));
     }
 
     // Sort by (cell, particle index), then the list of occupied cells.

@@ -83,6 +83,7 @@ public:
     std::vector<std::size_t> start;       // particle i's pairs begin at index[start[i]]
     std::vector<std::vector<std::uint32_t>> zaehler; // per slab: pairs of each particle
     std::vector<int> grenzen;             // first cell plane of each slab, and the end
+    std::vector<std::size_t> blocksumme;  // scratch of the running sums
 
     // Empties the list into `n` slabs (storage is kept).
     void beginne(std::size_t n) {

@@ -118,19 +118,20 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
     // order, so that a pass over the particles in slot order reads the index
     // front to back. The counts become each slab's place within a stretch.
     ww.start.resize(n + 1);
-    std::size_t summe = 0;
-    for (std::size_t s = 0; s < n; ++s) {
-        ww.start[s] = summe;
+    ww.start[0] = 0;
+    const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
+#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
+    for (std::ptrdiff_t s = 0; s < nn; ++s) {
         std::uint32_t vorher = 0;
         for (std::size_t sl = 0; sl < anzahl; ++sl) {
-            const std::uint32_t c = ww.zaehler[sl][s];
-            ww.zaehler[sl][s] = vorher;
+            const std::uint32_t c = ww.zaehler[sl][std::size_t(s)];
+            ww.zaehler[sl][std::size_t(s)] = vorher;
             vorher += c;
         }
-        summe += vorher;
+        ww.start[std::size_t(s) + 1] = vorher;
     }
-    ww.start[n] = summe;
-    ww.index.resize(summe);
+    laufendeSumme(ww.start.data() + 1, n, ww.blocksumme);
+    ww.index.resize(ww.start[n]);
 
     T* basis = teilchen.data();
     const std::uint32_t* slot = g.slot.data();

@@ -1,0 +1,35 @@
+#pragma once
+// A random gas disc around the default binary's primary, as snapshot text.
+
+#include <cmath>
+#include <random>
+#include <sstream>
+#include <string>
+
+namespace hilfen {
+
+// 4000 particles on near-Kepler orbits between 0.08 and 0.3 from the primary
+// (x = 0.0649 in the default binary), heights of +-0.01, a tenth of them
+// beyond the grid box in z (|z| > 0.043) and a few beyond it in x; with
+// h = 0.02 a particle has some 15 partners.
+inline std::string zufallsscheibe(unsigned seed) {
+    std::mt19937_64 zufall(seed);
+    std::uniform_real_distribution<double> u(0, 1);
+    std::ostringstream f;
+    const int n = 4000;
+    f << "Teilchenanzahl " << n << "\nZeit 0\n\n\nTeilchendaten:\n\n";
+    f.precision(17);
+    for (int i = 0; i < n; ++i) {
+        const double R = 0.08 + 0.22 * u(zufall), phi = 6.283185307179586 * u(zufall);
+        double z = 0.02 * (u(zufall) - 0.5);
+        if (i % 10 == 0)
+            z *= 6;
+        const double x = 0.0649 + R * std::cos(phi) + (i % 500 == 0 ? 0.5 : 0.0);
+        const double vk = std::sqrt(3.9371199385708905e-7 * 0.685 / R);
+        f << x << ' ' << R * std::sin(phi) << ' ' << z << ' ' << -vk * std::sin(phi) * u(zufall)
+          << ' ' << vk * std::cos(phi) << ' ' << 1e-6 * (u(zufall) - 0.5) << '\n';
+    }
+    return f.str();
+}
+
+} // namespace hilfen

@@ -71,6 +71,14 @@ void paarZaehler(benchmark::State& state, double paare) {
         benchmark::Counter(gesamt, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
+// Heap allocations made by f() (those of the benchmark library between
+// iterations are not counted), added to `summe`.
+template <class F> void gezaehlt(std::size_t& summe, F f) {
+    const std::size_t a = anzahlZuweisungen();
+    f();
+    summe += anzahlZuweisungen() - a;
+}
+
 using Paarmenge = std::vector<std::pair<std::size_t, std::size_t>>;
 
 // Unordered index pairs of a disc's pair list, sorted.
@@ -92,11 +100,10 @@ template <class Scheibe> void BM_ForceInit(benchmark::State& state) {
     Stumm stumm;
     Scheibe s(*sz.initScheibe, *sz.phys);
     s.force_init(*sz.phys);
-    const std::size_t vorher = anzahlZuweisungen();
+    std::size_t zuw = 0;
     for (auto _ : state)
-        s.force_init(*sz.phys);
-    state.counters["allocs_per_eval"] =
-        double(anzahlZuweisungen() - vorher) / double(state.iterations());
+        gezaehlt(zuw, [&] { s.force_init(*sz.phys); });
+    state.counters["allocs_per_eval"] = double(zuw) / double(state.iterations());
     paarZaehler(state, double(s.ww->size()));
 }
 
@@ -109,34 +116,81 @@ template <class Kraft> void BM_Kraft(benchmark::State& state) {
     s.force_init(*sz.phys);
     Kraft kraft;
     kraft.deriv_ohne_init(s, *sz.phys);
-    const std::size_t vorher = anzahlZuweisungen();
+    std::size_t zuw = 0;
     for (auto _ : state)
-        kraft.deriv_ohne_init(s, *sz.phys);
-    state.counters["allocs_per_eval"] =
-        double(anzahlZuweisungen() - vorher) / double(state.iterations());
+        gezaehlt(zuw, [&] { kraft.deriv_ohne_init(s, *sz.phys); });
+    state.counters["allocs_per_eval"] = double(zuw) / double(state.iterations());
     paarZaehler(state, double(s.ww->size()));
 }
 
-// One step as the main loop makes it: the forces on the disc, then the
-// stepper (five more evaluations per try), each step trying the size the
-// previous one proposed (1 s at first), as the driver does; the evaluations
-// per step are counted (6 when the first try is accepted).
-// Steps before counting: the pair lists of all stage discs grow to their size.
-// (A few at 1e6, where a step takes seconds.)
-int aufwaermen(long n) {
-    return n >= 1000000 ? 3 : 20;
-}
+// Kraefte with all four forces.
+struct AlleKraefte : Kraefte {
+    AlleKraefte() {
+        add(new Externforce());
+        add(new Pressure());
+        add(new Artvisc());
+        add(new Physvisc());
+    }
+};
 
+// One step as the main loop makes it at the start of a run: the forces on
+// the generator's disc, then the stepper (five more evaluations per try).
+// Every iteration starts again from the same disc and tries the step size
+// that the first step accepted, so each is one accepted try of 6
+// evaluations on a disc of ~31 partners (counted: evals_per_step).
 void BM_RungeKuttaSchritt(benchmark::State& state) {
     Szenario& sz = szenario(state.range(0));
     Faeden faeden(state);
     Stumm stumm;
     PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
-    Kraefte kraefte;
-    kraefte.add(new Externforce());
-    kraefte.add(new Pressure());
-    kraefte.add(new Artvisc());
-    kraefte.add(new Physvisc());
+    AlleKraefte kraefte;
+    RungeKutta rk(s, *sz.initOdeint);
+    const std::vector<PhysviscTeilchen> anfang = s.teilchen;
+    const double t0 = s.t();
+    double hdid = 0, hnext = 0;
+    rk.h = 1.0;
+    auto schritt = [&] {
+        kraefte.derivatives(s, *sz.phys);
+        rk.stepper(s, *sz.phys, kraefte, &hdid, &hnext);
+    };
+    auto zurueck = [&] {
+        std::copy(anfang.begin(), anfang.end(), s.teilchen.begin());
+        s.t(t0);
+    };
+    schritt(); // learns the accepted step
+    rk.h = hdid;
+    for (int i = 0; i < 2; ++i) {
+        zurueck();
+        schritt();
+    }
+    const std::size_t zeilen = stumm.zeilen;
+    std::size_t zuw = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        zurueck();
+        state.ResumeTiming();
+        gezaehlt(zuw, schritt);
+    }
+    state.counters["evals_per_step"] = double(stumm.zeilen - zeilen) / double(state.iterations());
+    state.counters["allocs_per_step"] = double(zuw) / double(state.iterations());
+    state.counters["h_s"] = hdid;
+    paarZaehler(state, double(s.ww->size()));
+}
+
+// A run as the driver makes it: every step tries the size the previous one
+// proposed, the disc evolves, and its pair count drifts. Heap allocations
+// per step after 20 steps (after 3 at 1e6, where a step takes seconds):
+// pair storage and the particles' pair index grow only at new maxima.
+int aufwaermen(long n) {
+    return n >= 1000000 ? 3 : 20;
+}
+
+void BM_Lauf(benchmark::State& state) {
+    Szenario& sz = szenario(state.range(0));
+    Faeden faeden(state);
+    Stumm stumm;
+    PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
+    AlleKraefte kraefte;
     RungeKutta rk(s, *sz.initOdeint);
     double hdid = 0, hnext = 0;
     auto schritt = [&] {
@@ -146,12 +200,12 @@ void BM_RungeKuttaSchritt(benchmark::State& state) {
     };
     for (int i = 0; i < aufwaermen(state.range(0)); ++i)
         schritt();
-    const std::size_t vorher = anzahlZuweisungen(), zeilen = stumm.zeilen;
+    const std::size_t zeilen = stumm.zeilen;
+    std::size_t zuw = 0;
     for (auto _ : state)
-        schritt();
+        gezaehlt(zuw, schritt);
     state.counters["evals_per_step"] = double(stumm.zeilen - zeilen) / double(state.iterations());
-    state.counters["allocs_per_step"] =
-        double(anzahlZuweisungen() - vorher) / double(state.iterations());
+    state.counters["allocs_per_step"] = double(zuw) / double(state.iterations());
     paarZaehler(state, double(s.ww->size()));
 }
 
@@ -279,6 +333,21 @@ void groesseSeriell(benchmark::internal::Benchmark* b) {
     b->Unit(benchmark::kMillisecond);
 }
 
+// BM_Lauf: 30 steps below 1e6, 3 steps at 1e6.
+void groesseKlein(benchmark::internal::Benchmark* b) {
+    const long alle = omp_get_max_threads();
+    for (long n : groessen)
+        if (n < 1000000)
+            for (long t : {1L, alle})
+                if (t == 1 || alle > 1)
+                    b->Args({n, t});
+    b->Unit(benchmark::kMillisecond);
+}
+void groesseMillion(benchmark::internal::Benchmark* b) {
+    b->Args({1000000, omp_get_max_threads()});
+    b->Unit(benchmark::kMillisecond);
+}
+
 BENCHMARK_TEMPLATE(BM_ForceInit, SphAkkScheibe)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_ForceInit, PhysviscAkkScheibe)->Apply(groesse);
 BENCHMARK(BM_Gittersuche)->Apply(groesseSeriell);
@@ -289,6 +358,8 @@ BENCHMARK_TEMPLATE(BM_Kraft, Pressure)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Artvisc)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Physvisc)->Apply(groesse);
 BENCHMARK(BM_RungeKuttaSchritt)->Apply(groesse);
+BENCHMARK(BM_Lauf)->Apply(groesseKlein)->Iterations(30);
+BENCHMARK(BM_Lauf)->Apply(groesseMillion)->Iterations(3);
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scheibe/Faeden.h"
+#include "scheibe/Vorrat.h"
 
 #include <algorithm>
 #include <array>
@@ -49,8 +50,11 @@ public:
         nz = nz_;
         const double zellen = double(nx) * double(ny) * double(nz);
         dicht = zellen <= double(1 << 24) || zellen <= 32.0 * double(teilchen);
-        if (dicht)
-            anfang.assign(std::size_t(nx) * std::size_t(ny) * std::size_t(nz) + 1, 0);
+        if (dicht) {
+            const std::size_t n = std::size_t(nx) * std::size_t(ny) * std::size_t(nz) + 1;
+            mitVorrat(anfang, n);
+            anfang.assign(n, 0);
+        }
     }
 
     std::size_t zelle(int i, int j, int k) const {

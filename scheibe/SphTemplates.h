@@ -17,6 +17,7 @@
 #include "scheibe/Paarliste.h"
 #include "scheibe/ScheibenTemplates.h"
 #include "scheibe/SphAkkScheibe.h"
+#include "scheibe/Vorrat.h"
 
 #include <cmath>
 #include <cstdint>
@@ -131,6 +132,7 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
         ww.start[std::size_t(s) + 1] = vorher;
     }
     laufendeSumme(ww.start.data() + 1, n, ww.blocksumme);
+    mitVorrat(ww.index, ww.start[n]);
     ww.index.resize(ww.start[n]);
 
     T* basis = teilchen.data();

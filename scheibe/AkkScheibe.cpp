@@ -34,6 +34,9 @@ void AkkScheibe::odeint_init(AkkScheibe& other) {
 void AkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
+void AkkScheibe::fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) {
+    scheibe::_append(teilchen, r, v);
+}
 
 void AkkScheibe::update() {
     if (updater)

@@ -35,6 +35,9 @@ public:
     virtual void force_init(PhysSystem& phys);
     virtual void odeint_init(AkkScheibe& other);
     virtual void odeint_assign(AkkScheibe& other);
+    // Appends a particle at r moving with v, for sources that feed the disc
+    // between steps; the rest of its state is filled in by the next force_init.
+    virtual void fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v);
 
     double t() const { return zeit; }
     void t(double z) { zeit = z; }

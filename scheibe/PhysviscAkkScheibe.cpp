@@ -35,6 +35,9 @@ void PhysviscAkkScheibe::odeint_init(AkkScheibe& other) {
 void PhysviscAkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
+void PhysviscAkkScheibe::fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) {
+    scheibe::_append(teilchen, r, v);
+}
 void PhysviscAkkScheibe::add_press(PhysSystem& phys) {
     scheibe::_add_press(teilchen, *gitter, ww.get(), phys);
 }

@@ -35,6 +35,9 @@ void PressArtviscAkkScheibe::odeint_init(AkkScheibe& other) {
 void PressArtviscAkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
+void PressArtviscAkkScheibe::fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) {
+    scheibe::_append(teilchen, r, v);
+}
 void PressArtviscAkkScheibe::add_press(PhysSystem& phys) {
     scheibe::_add_press(teilchen, *gitter, ww.get(), phys);
 }

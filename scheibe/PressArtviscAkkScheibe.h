@@ -28,6 +28,7 @@ public:
     void force_init(PhysSystem& phys) override;
     void odeint_init(AkkScheibe& other) override;
     void odeint_assign(AkkScheibe& other) override;
+    void fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) override;
     // Adds the pressure acceleration to every particle.
     virtual void add_press(PhysSystem& phys);
     // Adds the artificial-viscosity acceleration to every particle.

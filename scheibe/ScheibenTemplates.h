@@ -1,8 +1,8 @@
 #pragma once
 // The operations that differ between disc classes only in the particle type,
 // written once over the particle vector: snapshot reading and writing,
-// ordered removal, shaping as integrator scratch space, the plain force
-// preparation, cloning and the checked assignment of an accepted step.
+// ordered removal, appending, shaping as integrator scratch space, the plain
+// force preparation, cloning and the checked assignment of an accepted step.
 
 #include "init/InitAkkScheibe.h"
 #include "init/Lesen.h"
@@ -113,6 +113,17 @@ template <class P> void _erase(std::vector<P>& teilchen, int i) {
 
 // Shapes the disc like `other` for use as scratch space: same time, same
 // count (values are not copied).
+// Appends a particle at r with velocity v. Everything else of the particle
+// type starts at its default (no acceleration, no pairs, no density): the
+// driver evaluates the forces, and with them force_init, before the particle
+// is stepped. Growing the vector may move the particles, which is safe
+// between steps, since pairs are valid only until the next force_init.
+template <class P> void _append(std::vector<P>& teilchen, const Vektor3& r, const Vektor3& v) {
+    P& t = teilchen.emplace_back();
+    t.r = r;
+    t.v = v;
+}
+
 template <class P>
 void _odeint_init(AkkScheibe& disc, std::vector<P>& teilchen, AkkScheibe& other) {
     disc.zeit = other.zeit;

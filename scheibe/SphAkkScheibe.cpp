@@ -33,3 +33,6 @@ void SphAkkScheibe::odeint_init(AkkScheibe& other) {
 void SphAkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
+void SphAkkScheibe::fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) {
+    scheibe::_append(teilchen, r, v);
+}

@@ -37,4 +37,5 @@ public:
     void force_init(PhysSystem& phys) override;
     void odeint_init(AkkScheibe& other) override;
     void odeint_assign(AkkScheibe& other) override;
+    void fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) override;
 };

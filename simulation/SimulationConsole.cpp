@@ -20,7 +20,7 @@
 SimulationConsole::SimulationConsole(const char* parameterDatei, const char* teilchenDatei)
     : parameterDatei(parameterDatei), teilchenDatei(teilchenDatei) {}
 
-void SimulationConsole::run(int, char**) {
+bool SimulationConsole::aufbauen() {
     initAkkScheibe = new InitAkkScheibe(parameterDatei, teilchenDatei);
     initPhysSystem = new InitPhysSystem(parameterDatei, teilchenDatei);
     initOdeint = new InitOdeint(parameterDatei);
@@ -57,18 +57,23 @@ void SimulationConsole::run(int, char**) {
 
     scheibe = kraefte->createAkkScheibe(*initAkkScheibe, *physSystem);
     if (!scheibe)
-        return;
+        return false;
     // Every disc kind above the plain one works with pairs and needs the kernel.
     if (kraefte->scheibe() >= 1 && !kernel) {
         std::cout << "Fehler: SPH-Kr\xe4" "fte brauchen einen Kernel (Kern1) !\n";
-        return;
+        return false;
     }
 
     if (initOdeint->odeintArt == 0) {
         odeint = new RungeKutta(*scheibe, *initOdeint);
     } else {
         std::cout << "Kein Odeint initialisiert !\n" << std::endl;
-        return;
+        return false;
     }
-    odeint->odeint(*scheibe, *physSystem, *kraefte);
+    return true;
+}
+
+void SimulationConsole::run(int, char**) {
+    if (aufbauen())
+        odeint->odeint(*scheibe, *physSystem, *kraefte);
 }

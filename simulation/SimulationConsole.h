@@ -11,6 +11,11 @@ public:
 
     SimulationConsole(const char* parameterDatei, const char* teilchenDatei);
 
-    // The arguments are not read.
+    // Builds every object of the run from the two files (readers, kernel,
+    // physical system, forces, disc, integrator); false, after a message,
+    // when there is nothing to integrate.
+    bool aufbauen();
+
+    // Builds the run and integrates it. The arguments are not read.
     void run(int argc, char** argv);
 };

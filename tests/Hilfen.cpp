@@ -38,8 +38,12 @@ std::string lies(const std::string& datei) {
 bool existiert(const std::string& datei) { return fs::exists(datei); }
 
 Lauf starte(const fs::path& ordner, const std::string& vor) {
-    std::string befehl = "cd '" + ordner.string() + "' && " + vor +
-                         "'" AKK_PROGRAMM "' >stdout.txt 2>stderr.txt </dev/null";
+    return starte(ordner, vor, AKK_PROGRAMM);
+}
+
+Lauf starte(const fs::path& ordner, const std::string& vor, const std::string& programm) {
+    std::string befehl = "cd '" + ordner.string() + "' && " + vor + "'" + programm +
+                         "' >stdout.txt 2>stderr.txt </dev/null";
     int roh = std::system(befehl.c_str());
     Lauf l;
     l.status = WIFEXITED(roh) ? WEXITSTATUS(roh) : -1;

@@ -1,0 +1,222 @@
+// Runs of akkstrom: without mass transfer it is akkscheibe byte for byte;
+// with it, particles appear behind L1 and leave at the removal radii like
+// any others; the shipped example is reproducible; bad stream keys stop the
+// run before its first step.
+
+#include "tests/Hilfen.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string ohneWW = "Stromgeschwindigkeit 7e-6 Stromstreuung 7e-7 Stromabstand 0.005 "
+                           "Strombreite 0.006 Stromsaat 3\n";
+
+hilfen::Lauf akkstrom(const fs::path& ordner, const std::string& vor = "") {
+    return hilfen::starte(ordner, vor, AKK_STROM);
+}
+
+// The particle lines of a snapshot, six numbers each.
+std::vector<std::vector<double>> teilchen(const std::string& datei) {
+    std::istringstream ein(hilfen::lies(datei));
+    std::string wort;
+    while (ein >> wort && wort != "Teilchendaten:") {
+    }
+    std::vector<std::vector<double>> zeilen;
+    std::vector<double> z(6);
+    while (ein >> z[0] >> z[1] >> z[2] >> z[3] >> z[4] >> z[5])
+        zeilen.push_back(z);
+    return zeilen;
+}
+
+std::size_t dateien(const fs::path& ordner) {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(ordner), {}));
+}
+
+TEST(Akkstrom, OhneMassenstromGleichtDenAufgezeichnetenLaeufenVonAkkscheibe) {
+    // Each recorded run of akkscheibe, with a stream of rate 0 added to its parameters.
+    for (const auto& e : fs::directory_iterator(fs::path(AKK_TESTDATEN) / "regression")) {
+        if (!e.is_directory())
+            continue;
+        hilfen::TempOrdner arbeit;
+        fs::copy(e.path() / "data", arbeit.pfad() / "data", fs::copy_options::recursive);
+        std::ofstream(arbeit.datei("data/OYCar.parameter"), std::ios::app)
+            << "\nStromrate 0 " << ohneWW;
+        const hilfen::Lauf l = akkstrom(arbeit.pfad());
+        const fs::path erwartet = e.path() / "expected";
+        EXPECT_EQ(std::to_string(l.status) + "\n", hilfen::lies((erwartet / "exit").string()));
+        EXPECT_EQ(l.out, hilfen::lies((erwartet / "stdout").string())) << e.path();
+        EXPECT_EQ(l.err, hilfen::lies((erwartet / "stderr").string()));
+        for (const auto& s : fs::directory_iterator(erwartet / "data"))
+            EXPECT_EQ(hilfen::lies(s.path().string()),
+                      hilfen::lies(arbeit.datei("data/" + s.path().filename().string())))
+                << s.path();
+    }
+}
+
+TEST(Akkstrom, EingespeisteTeilchenVerlassenDieScheibeAnDenEntfernungsradien) {
+    // No forces: the steps end at 5, 20 and 40 s (the error estimate is 0, so
+    // each step is five times the last, clipped to the output times 20 and 40),
+    // and the particles fly straight on at c along the x axis. At 0.26 particles
+    // per second particle 0 is appended at 5 s, 1 to 4 at 20 s; particle k crossed
+    // x = xL1 + 0.01 = -0.368367 at (k + 1) / 0.26 s. The primary is at 0.056303;
+    // removal below eta^2 = 0.0025 and above rMax^2 = 0.228615.
+    struct Fall {
+        double c;                 // Stromgeschwindigkeit
+        std::string ablauf;       // stdout with each removed particle's abst_sqr as X
+        std::vector<double> abst; // those abst_sqr in order
+        std::size_t bei20;        // particles in the snapshot at 20 s
+        std::vector<double> x40;  // x of the particles in the snapshot at 40 s
+    };
+    const std::string e = " Entferne Teilchen : 0 von ";
+    const std::string radien = " Teilchen  zur Zeit: ";
+    const Fall faelle[] = {
+        // c = 0.025: particle 0 is at 0.035479 at 20 s, inside eta; at 40 s
+        // particles 1 to 4 are at 0.439325, 0.343171, 0.247018 and 0.150864.
+        {0.025,
+         "step: 1 akk.t: 5\nstep: 2 akk.t: 20\n" + e + "1" + radien +
+             "20 : 0.0025 < abst_sqr < 0.228615ist : X\n\nstep: 3 akk.t: 40\nremove_count :1\n",
+         {0.020824 * 0.020824},
+         0,
+         {0.439325, 0.343171, 0.247018, 0.150864}},
+        // c = 0.05: particle 0 leaps past the primary to 0.439325 by 20 s; at 40 s
+        // all five lie beyond rMax, at 1.439325, 1.247018, 1.05471, 0.862402, 0.670095.
+        {0.05,
+         "step: 1 akk.t: 5\nstep: 2 akk.t: 20\nstep: 3 akk.t: 40\n" + e + "5" + radien +
+             "40 : 0.0025 < abst_sqr < 0.228615ist : X\n\n" + e + "4" + radien +
+             "40 : 0.0025 < abst_sqr < 0.228615ist : X\n\n" + e + "3" + radien +
+             "40 : 0.0025 < abst_sqr < 0.228615ist : X\n\n" + e + "2" + radien +
+             "40 : 0.0025 < abst_sqr < 0.228615ist : X\n\n" + e + "1" + radien +
+             "40 : 0.0025 < abst_sqr < 0.228615ist : X\n\nremove_count :5\n",
+         {1.383022 * 1.383022, 1.190715 * 1.190715, 0.998407 * 0.998407, 0.806099 * 0.806099,
+          0.613792 * 0.613792},
+         1,
+         {}},
+    };
+    for (const Fall& f : faelle) {
+        hilfen::TempOrdner o;
+        fs::create_directories(o.pfad() / "data");
+        std::ostringstream p;
+        p << "Stromrate 4.49320066e-17 Stromgeschwindigkeit " << f.c
+          << " Stromstreuung 0 Stromabstand 0.01 Strombreite 0 Stromsaat 1\n";
+        hilfen::schreibe(o.datei("data/OYCar.parameter"), hilfen::parameter(p.str()));
+        hilfen::schreibe(o.datei("data/Akk-OYCar-0"), "Teilchenanzahl 0\nZeit 0\nTeilchendaten:\n");
+        const hilfen::Lauf l = akkstrom(o.pfad());
+        EXPECT_EQ(l.status, 0);
+        EXPECT_EQ(l.err, "");
+        const std::regex zahl("ist : ([-0-9.e+]+)");
+        EXPECT_EQ(std::regex_replace(l.out, zahl, "ist : X"), f.ablauf) << f.c;
+        std::vector<double> abst;
+        for (std::sregex_iterator i(l.out.begin(), l.out.end(), zahl), ende; i != ende; ++i)
+            abst.push_back(std::stod((*i)[1]));
+        ASSERT_EQ(abst.size(), f.abst.size());
+        for (std::size_t i = 0; i < abst.size(); ++i)
+            EXPECT_NEAR(abst[i] / f.abst[i], 1, 1e-4) << f.c << " removal " << i;
+        EXPECT_EQ(teilchen(o.datei("data/Akk-OYCar-20")).size(), f.bei20);
+        const auto am_ende = teilchen(o.datei("data/Akk-OYCar-40"));
+        ASSERT_EQ(am_ende.size(), f.x40.size());
+        // x to the six digits of the snapshot and of xL1 and x1 above.
+        for (std::size_t i = 0; i < am_ende.size(); ++i) {
+            EXPECT_NEAR(am_ende[i][0], f.x40[i], 2e-6) << i;
+            EXPECT_EQ(std::make_tuple(am_ende[i][1], am_ende[i][2], am_ende[i][3], am_ende[i][4],
+                                      am_ende[i][5]),
+                      std::make_tuple(0.0, 0.0, f.c, 0.0, 0.0));
+        }
+    }
+}
+
+TEST(Akkstrom, MitgeliefertesBeispielIstReproduzierbar) {
+    // The shipped example, shortened to 300 s: at 3.2e-17 solar masses per second
+    // the stream brings at most floor(3.2e-17 * 300 / 1.7281541e-16) = 55 particles.
+    auto laufe = [](const std::string& zusatz, const std::string& faeden, hilfen::TempOrdner& o) {
+        // The inputs only: a run of the example in the source tree leaves its snapshots there.
+        fs::create_directories(o.pfad() / "data");
+        for (const char* d : {"OYCar.parameter", "Akk-OYCar-0"})
+            fs::copy(fs::path(AKK_QUELLE) / "strom/beispiel/data" / d, o.pfad() / "data" / d);
+        std::ofstream(o.datei("data/OYCar.parameter"), std::ios::app)
+            << "\nOutputtime 300\nOutputfiles 2\n" << zusatz;
+        return akkstrom(o.pfad(), "OMP_NUM_THREADS=" + faeden + " ");
+    };
+    hilfen::TempOrdner eins, zwei, andere;
+    const hilfen::Lauf a = laufe("", "1", eins), b = laufe("", "2", zwei),
+                       c = laufe("Stromsaat 2\n", "2", andere);
+    EXPECT_EQ(a.status, 0);
+    EXPECT_EQ(a.err, "");
+    // akkscheibe's lines: steps, the pair count of the gas disc, removals, the end.
+    const std::regex zeile("step: [0-9]+ akk\\.t: [0-9.e+]+|Anzahl WWPartnern: [0-9]+|"
+                           " Entferne Teilchen : .*|remove_count :[0-9]+|");
+    std::istringstream aus(a.out);
+    for (std::string z; std::getline(aus, z);)
+        EXPECT_TRUE(std::regex_match(z, zeile)) << z;
+    EXPECT_NE(a.out.find("Anzahl WWPartnern: "), std::string::npos);
+    EXPECT_NE(a.out.find(" akk.t: 300\n"), std::string::npos);
+    EXPECT_TRUE(std::regex_search(a.out, std::regex("\nremove_count :[0-9]+\n$")));
+    // The same bytes on one and two threads; another seed, other particles.
+    EXPECT_EQ(a.out, b.out);
+    for (const char* s : {"data/Akk-OYCar-150", "data/Akk-OYCar-300"})
+        EXPECT_EQ(hilfen::lies(eins.datei(s)), hilfen::lies(zwei.datei(s))) << s;
+    EXPECT_NE(hilfen::lies(eins.datei("data/Akk-OYCar-300")),
+              hilfen::lies(andere.datei("data/Akk-OYCar-300")));
+    const std::size_t n = teilchen(eins.datei("data/Akk-OYCar-300")).size();
+    EXPECT_GE(n, 20u);
+    EXPECT_LE(n, 55u);
+    EXPECT_EQ(dateien(eins.pfad() / "data"), 4u);
+}
+
+TEST(Akkstrom, SchlechteStromschluesselBeendenDenLaufVorDemErstenSchritt) {
+    const std::string f = "Strom: Fehler: ";
+    const std::string alleFehlen =
+        f + "Stromrate fehlt (Massenrate durch L1, Sonnenmassen pro Sekunde) !\n" + f +
+        "Stromgeschwindigkeit fehlt (mittlere Geschwindigkeit von L1 zum Prim\xe4rstern, "
+        "Sonnenradien pro Sekunde) !\n" +
+        f + "Stromstreuung fehlt (Standardabweichung jeder Geschwindigkeitskomponente, "
+            "Sonnenradien pro Sekunde) !\n" +
+        f + "Stromabstand fehlt (Abstand der Einspeisung von L1 zum Prim\xe4rstern hin, "
+            "Sonnenradien) !\n" +
+        f + "Strombreite fehlt (Standardabweichung von y und z um die x-Achse, Sonnenradien) !\n" +
+        f + "Stromsaat fehlt (Startwert der Zufallszahlen, ganze Zahl von 0 bis "
+            "18446744073709551615) !\n";
+    const std::string param = hilfen::parameter("Externforce\n");
+    std::string ohneIntegrator = param + "Stromrate 1e-17 " + ohneWW;
+    ohneIntegrator.erase(ohneIntegrator.find("RungeKutta\n"), 11);
+    const struct {
+        std::string param; // empty: no parameter file
+        std::string out, err;
+        int status;
+    } faelle[] = {
+        {param, alleFehlen, "", 1},
+        {"", alleFehlen, "error: unable to open parameter file in InitStrom!\n", 1},
+        {param + "Stromrate 1e-17 Strombreite -1 " + ohneWW,
+         f + "Strombreite muss mindestens 0 sein, nicht '-1' !\n", "", 1},
+        {param + "Stromrate 1e-17 " + ohneWW + "Stromabstand 0.4",
+         f + "Stromabstand 0.4 reicht von L1 bis an eta um den Prim\xe4rstern: L1 liegt 0.43467 "
+             "vom Prim\xe4rstern, eta ist 0.05 !\n",
+         "", 1},
+        // The stream is fine, the run is not: as akkscheibe, status 0.
+        {ohneIntegrator, "Kein Odeint initialisiert !\n\n", "", 0},
+    };
+    for (const auto& c : faelle) {
+        hilfen::TempOrdner o;
+        fs::create_directories(o.pfad() / "data");
+        if (!c.param.empty())
+            hilfen::schreibe(o.datei("data/OYCar.parameter"), c.param);
+        hilfen::schreibe(o.datei("data/Akk-OYCar-0"), "Teilchenanzahl 0\nZeit 0\nTeilchendaten:\n");
+        const hilfen::Lauf l = akkstrom(o.pfad());
+        EXPECT_EQ(l.out, c.out);
+        EXPECT_EQ(l.err, c.err);
+        EXPECT_EQ(l.status, c.status);
+        EXPECT_EQ(dateien(o.pfad() / "data"), c.param.empty() ? 1u : 2u); // no snapshot
+    }
+}
+
+} // namespace

@@ -13,8 +13,7 @@ bool alsReal(const std::string& text, double& wert) {
     char* ende = nullptr;
     errno = 0;
     const double w = std::strtod(text.c_str(), &ende);
-    if (text.empty() || ende != text.c_str() + text.size() || errno == ERANGE ||
-        !std::isfinite(w))
+    if (text.empty() || ende != text.c_str() + text.size() || errno == ERANGE || !std::isfinite(w))
         return false;
     wert = w;
     return true;
@@ -53,7 +52,9 @@ const char* const saatBereich = "ganze Zahl von 0 bis 18446744073709551615";
 
 } // namespace
 
-InitStrom::InitStrom(const char* parameterDatei) { init(parameterDatei); }
+InitStrom::InitStrom(const char* parameterDatei) {
+    init(parameterDatei);
+}
 
 void InitStrom::init(const char* parameterDatei) {
     const Schluessel schluessel[] = {
@@ -66,8 +67,8 @@ void InitStrom::init(const char* parameterDatei) {
          &Stromstreuung, false, true},
         {"Stromabstand", "Abstand der Einspeisung von L1 zum Prim\xe4rstern hin, Sonnenradien",
          &Stromabstand, true, false},
-        {"Strombreite", "Standardabweichung von y und z um die x-Achse, Sonnenradien",
-         &Strombreite, false, false},
+        {"Strombreite", "Standardabweichung von y und z um die x-Achse, Sonnenradien", &Strombreite,
+         false, false},
         {"Stromsaat", "Startwert der Zufallszahlen", nullptr, false, false},
     };
     constexpr int anzahl = sizeof schluessel / sizeof schluessel[0];
@@ -86,7 +87,8 @@ void InitStrom::init(const char* parameterDatei) {
             gesehen[i] = true;
             std::string text;
             if (!(datei >> text)) {
-                meldungen[i].push_back(vorsatz + s.name + " ohne Wert am Ende der Parameterdatei !");
+                meldungen[i].push_back(vorsatz + s.name +
+                                       " ohne Wert am Ende der Parameterdatei !");
                 break;
             }
             if (!s.wert) {
@@ -100,11 +102,13 @@ void InitStrom::init(const char* parameterDatei) {
                 meldungen[i].push_back(vorsatz + s.name + " braucht eine endliche Zahl, nicht '" +
                                        text + "' !");
             else if (s.positiv && !(w > 0))
-                meldungen[i].push_back(vorsatz + s.name + " muss gr\xf6\xdf" "er als 0 sein, nicht '" +
+                meldungen[i].push_back(vorsatz + s.name +
+                                       " muss gr\xf6\xdf"
+                                       "er als 0 sein, nicht '" +
                                        text + "' !");
             else if (!(w >= 0))
-                meldungen[i].push_back(vorsatz + s.name + " muss mindestens 0 sein, nicht '" + text +
-                                       "' !");
+                meldungen[i].push_back(vorsatz + s.name + " muss mindestens 0 sein, nicht '" +
+                                       text + "' !");
             else if (s.geschwindigkeit && !(w < licht))
                 meldungen[i].push_back(vorsatz + s.name + " " + text +
                                        " ist nicht unter der Lichtgeschwindigkeit, 0.430922 "

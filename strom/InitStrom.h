@@ -11,11 +11,12 @@
 // or bad one leaves a message in `fehler`, in the order of the keys.
 class InitStrom {
 public:
-    double Stromrate = 0;            // mass transfer rate through L1, solar masses / s
-    double Stromgeschwindigkeit = 0; // mean speed of the gas from L1 toward the primary, solar radii / s
-    double Stromstreuung = 0;        // standard deviation of each velocity component, solar radii / s
-    double Stromabstand = 0;         // distance of the injection from L1 toward the primary, solar radii
-    double Strombreite = 0;          // standard deviation of y and z about the x axis, solar radii
+    // Units: solar masses, solar radii, seconds.
+    double Stromrate = 0;            // mass transfer rate through L1
+    double Stromgeschwindigkeit = 0; // mean speed of the gas from L1 toward the primary
+    double Stromstreuung = 0;        // standard deviation of each velocity component
+    double Stromabstand = 0;         // distance of the injection from L1 toward the primary
+    double Strombreite = 0;          // standard deviation of y and z about the x axis
     std::uint64_t Stromsaat = 0;     // seed of the random numbers
 
     std::vector<std::string> fehler; // messages (without line end); empty when all is usable

@@ -45,7 +45,9 @@ std::string Stromquelle::pruefe(double tEnde) const {
     // them and outside the inner removal radius eta.
     const double b1 = phys->x1[0] - phys->xL1;
     if (!(b1 > phys->eta) || !std::isfinite(b1))
-        return vorsatz + "die Bahndaten geben keinen Lagrangepunkt L1 au\xdf" "erhalb von eta " +
+        return vorsatz +
+               "die Bahndaten geben keinen Lagrangepunkt L1 au\xdf"
+               "erhalb von eta " +
                zahl(phys->eta) + " um den Prim\xe4rstern !";
     if (!(abstand < b1 - phys->eta))
         return vorsatz + "Stromabstand " + zahl(abstand) + " reicht von L1 bis an eta um den " +
@@ -61,7 +63,9 @@ std::string Stromquelle::pruefe(double tEnde) const {
     const double dauer = tEnde > t0 ? tEnde - t0 : 0.0;
     const double anzahl = rate * dauer / phys->mTeilchen;
     if (!(anzahl <= double(strom::hoechstens)))
-        return vorsatz + "Stromrate " + zahl(rate) + " Sonnenmassen pro Sekunde br\xe4" "chte bis " +
+        return vorsatz + "Stromrate " + zahl(rate) +
+               " Sonnenmassen pro Sekunde br\xe4"
+               "chte bis " +
                "Outputtime " + zahl(anzahl) + " Teilchen, mehr als " +
                std::to_string(strom::hoechstens) + " !";
     return "";

@@ -43,16 +43,16 @@ constexpr long long hoechstens = 1000000;
 // raw draws), so particle k gets the same draws whatever the steps.
 class Stromquelle : public Update {
 public:
-    AkkScheibe* scheibe;        // the disc fed; not owned
-    const PhysSystem* phys;     // the binary; not owned
-    double rate;                // solar masses / s
-    double geschwindigkeit;     // mean speed toward the primary, solar radii / s
-    double streuung;            // standard deviation of each velocity component
-    double abstand;             // injection plane: distance from L1 toward the primary
-    double breite;              // standard deviation of y and z
-    std::mt19937_64 zufall;     // seeded with Stromsaat
-    double t0;                  // the disc's time when the stream began
-    long long eingespeist = 0;  // particles appended so far
+    AkkScheibe* scheibe;       // the disc fed; not owned
+    const PhysSystem* phys;    // the binary; not owned
+    double rate;               // solar masses / s
+    double geschwindigkeit;    // mean speed toward the primary, solar radii / s
+    double streuung;           // standard deviation of each velocity component
+    double abstand;            // injection plane: distance from L1 toward the primary
+    double breite;             // standard deviation of y and z
+    std::mt19937_64 zufall;    // seeded with Stromsaat
+    double t0;                 // the disc's time when the stream began
+    long long eingespeist = 0; // particles appended so far
 
     // The stream begins at the disc's present time.
     Stromquelle(AkkScheibe& scheibe, const PhysSystem& phys, const InitStrom& init);

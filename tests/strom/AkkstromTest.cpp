@@ -144,7 +144,8 @@ TEST(Akkstrom, MitgeliefertesBeispielIstReproduzierbar) {
         for (const char* d : {"OYCar.parameter", "Akk-OYCar-0"})
             fs::copy(fs::path(AKK_QUELLE) / "strom/beispiel/data" / d, o.pfad() / "data" / d);
         std::ofstream(o.datei("data/OYCar.parameter"), std::ios::app)
-            << "\nOutputtime 300\nOutputfiles 2\n" << zusatz;
+            << "\nOutputtime 300\nOutputfiles 2\n"
+            << zusatz;
         return akkstrom(o.pfad(), "OMP_NUM_THREADS=" + faeden + " ");
     };
     hilfen::TempOrdner eins, zwei, andere;
@@ -179,13 +180,16 @@ TEST(Akkstrom, SchlechteStromschluesselBeendenDenLaufVorDemErstenSchritt) {
         f + "Stromrate fehlt (Massenrate durch L1, Sonnenmassen pro Sekunde) !\n" + f +
         "Stromgeschwindigkeit fehlt (mittlere Geschwindigkeit von L1 zum Prim\xe4rstern, "
         "Sonnenradien pro Sekunde) !\n" +
-        f + "Stromstreuung fehlt (Standardabweichung jeder Geschwindigkeitskomponente, "
-            "Sonnenradien pro Sekunde) !\n" +
-        f + "Stromabstand fehlt (Abstand der Einspeisung von L1 zum Prim\xe4rstern hin, "
-            "Sonnenradien) !\n" +
+        f +
+        "Stromstreuung fehlt (Standardabweichung jeder Geschwindigkeitskomponente, "
+        "Sonnenradien pro Sekunde) !\n" +
+        f +
+        "Stromabstand fehlt (Abstand der Einspeisung von L1 zum Prim\xe4rstern hin, "
+        "Sonnenradien) !\n" +
         f + "Strombreite fehlt (Standardabweichung von y und z um die x-Achse, Sonnenradien) !\n" +
-        f + "Stromsaat fehlt (Startwert der Zufallszahlen, ganze Zahl von 0 bis "
-            "18446744073709551615) !\n";
+        f +
+        "Stromsaat fehlt (Startwert der Zufallszahlen, ganze Zahl von 0 bis "
+        "18446744073709551615) !\n";
     const std::string param = hilfen::parameter("Externforce\n");
     std::string ohneIntegrator = param + "Stromrate 1e-17 " + ohneWW;
     ohneIntegrator.erase(ohneIntegrator.find("RungeKutta\n"), 11);

@@ -38,7 +38,8 @@ TEST(InitStrom, MeldetFehlendeUndSchlechteWerte) {
     const std::pair<std::string, std::string> faelle[] = {
         {"Stromrate abc", "Stromrate braucht eine endliche Zahl, nicht 'abc' !"},
         {"Stromrate -1e-17", "Stromrate muss mindestens 0 sein, nicht '-1e-17' !"},
-        {"Stromgeschwindigkeit nan", "Stromgeschwindigkeit braucht eine endliche Zahl, nicht 'nan' !"},
+        {"Stromgeschwindigkeit nan",
+         "Stromgeschwindigkeit braucht eine endliche Zahl, nicht 'nan' !"},
         {"Stromstreuung 1e999", "Stromstreuung braucht eine endliche Zahl, nicht '1e999' !"},
         {"Strombreite 0.1x", "Strombreite braucht eine endliche Zahl, nicht '0.1x' !"},
         {"Strombreite -inf", "Strombreite braucht eine endliche Zahl, nicht '-inf' !"},
@@ -47,8 +48,10 @@ TEST(InitStrom, MeldetFehlendeUndSchlechteWerte) {
                                    "Lichtgeschwindigkeit, 0.430922 Sonnenradien pro Sekunde !"},
         {"Stromstreuung 0.431", "Stromstreuung 0.431 ist nicht unter der "
                                 "Lichtgeschwindigkeit, 0.430922 Sonnenradien pro Sekunde !"},
-        {"Stromabstand 0", "Stromabstand muss gr\xf6\xdf" "er als 0 sein, nicht '0' !"},
-        {"Stromabstand -0.01", "Stromabstand muss gr\xf6\xdf" "er als 0 sein, nicht '-0.01' !"},
+        {"Stromabstand 0", "Stromabstand muss gr\xf6\xdf"
+                           "er als 0 sein, nicht '0' !"},
+        {"Stromabstand -0.01", "Stromabstand muss gr\xf6\xdf"
+                               "er als 0 sein, nicht '-0.01' !"},
         {"Stromsaat -1", "Stromsaat " + saat + "-1' !"},
         {"Stromsaat 18446744073709551616", "Stromsaat " + saat + "18446744073709551616' !"},
         {"Stromsaat 1.5", "Stromsaat " + saat + "1.5' !"},

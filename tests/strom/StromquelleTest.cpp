@@ -2,6 +2,7 @@
 // each disc class, where and how fast, the same particles for the same seed,
 // and its checks against the binary.
 
+#include "strom/Stromquelle.h"
 #include "init/InitAkkScheibe.h"
 #include "init/InitPhysSystem.h"
 #include "kraefte/Scheibenfabrik.h"
@@ -10,7 +11,6 @@
 #include "scheibe/AkkScheibe.h"
 #include "scheibe/PressArtviscTeilchen.h"
 #include "strom/InitStrom.h"
-#include "strom/Stromquelle.h"
 #include "tests/Hilfen.h"
 
 #include <gtest/gtest.h>
@@ -70,8 +70,8 @@ TEST(Stromquelle, HaengtDieTeilchenDerMassenrateAnJedeScheibenklasseAn) {
         const Teilchen erstes = (*disc)[0], zweites = (*disc)[1];
         // From t0 = 100: floor(0.26 * 5) = 1 by 105, floor(0.26 * 20) = 5 by 120,
         // floor(0.26 * 40.5) = 10 by 140.5; going back in time adds none.
-        const std::pair<double, int> soll[] = {{100, 2}, {105, 3}, {120, 7}, {140, 12},
-                                               {130, 12}, {140.5, 12}};
+        const std::pair<double, int> soll[] = {{100, 2},  {105, 3},  {120, 7},
+                                               {140, 12}, {130, 12}, {140.5, 12}};
         for (auto [t, n] : soll) {
             schritte(*disc, {t});
             disc->processEvents(); // before each evaluation of the forces: nothing
@@ -99,8 +99,9 @@ TEST(Stromquelle, SetztTeilchenHinterL1UndGibtIhnenDieStromgeschwindigkeit) {
     // the primary. Particle k crossed x = xL1 + 0.004 at 100 + (k + 1) / 0.26 s
     // and has drifted on since: at 105 particle 0 by 1e-5 (5 - 3.846154) s,
     // at 120 particles 1 to 4 by 1e-5 (20 - 7.692308, ..., 20 - 19.230769) s.
-    Strom s(rate026 +
-            "Stromgeschwindigkeit 1e-5 Stromstreuung 0 Stromabstand 0.004 Strombreite 0 Stromsaat 1");
+    Strom s(
+        rate026 +
+        "Stromgeschwindigkeit 1e-5 Stromstreuung 0 Stromabstand 0.004 Strombreite 0 Stromsaat 1");
     auto disc = s.scheibe();
     Stromquelle q(*disc, s.phys, s.init);
     disc->set_update(&q);
@@ -215,7 +216,8 @@ TEST(Stromquelle, PrueftDenStromGegenDasDoppelsternsystem) {
     Strom jahr("Stromrate 1e-9 Stromabstand 0.005 " + rest);
     disc = jahr.scheibe();
     Stromquelle q(*disc, jahr.phys, jahr.init);
-    EXPECT_EQ(q.pruefe(1100), f + "Stromrate 1e-09 Sonnenmassen pro Sekunde br\xe4" "chte bis "
+    EXPECT_EQ(q.pruefe(1100), f + "Stromrate 1e-09 Sonnenmassen pro Sekunde br\xe4"
+                                  "chte bis "
                                   "Outputtime 5.78652e+09 Teilchen, mehr als 1000000 !");
     EXPECT_EQ(q.pruefe(50), "");
     q.rate = 8.6407705e-14;
@@ -229,7 +231,8 @@ TEST(Stromquelle, PrueftDenStromGegenDasDoppelsternsystem) {
     Strom allein(rate026 + rest + "Stromabstand 0.005 Bahnperiode 0");
     disc = allein.scheibe();
     EXPECT_EQ(Stromquelle(*disc, allein.phys, allein.init).pruefe(1100),
-              f + "die Bahndaten geben keinen Lagrangepunkt L1 au\xdf" "erhalb von eta 0.05 um "
+              f + "die Bahndaten geben keinen Lagrangepunkt L1 au\xdf"
+                  "erhalb von eta 0.05 um "
                   "den Prim\xe4rstern !");
 }
 

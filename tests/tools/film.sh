@@ -3,12 +3,14 @@
 # order, as frames of one size, odd views made even; ffmpeg makes them an MP4
 # of three frames in H.264, which needs even sizes.
 #   film.sh SCHEIBENBILD DATA_FOLDER
-# Exit 77 (skipped) without ffmpeg (Debian package ffmpeg).
+# Exit 77 (skipped) without ffmpeg (Debian package ffmpeg); under CI, whose
+# .ci/deps installs it, 1.
 set -euo pipefail
 werkzeug=$1
 daten=$2
 if ! command -v ffmpeg > /dev/null || ! command -v ffprobe > /dev/null; then
     echo "SKIPPED: ffmpeg is not installed (Debian package ffmpeg)"
+    [ "${CI:-}" = true ] && exit 1
     exit 77
 fi
 ordner=$(mktemp -d)

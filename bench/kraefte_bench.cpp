@@ -123,58 +123,72 @@ template <class Kraft> void BM_Kraft(benchmark::State& state) {
     paarZaehler(state, double(s.ww->size()));
 }
 
-// Kraefte with all four forces.
-struct AlleKraefte : Kraefte {
-    AlleKraefte() {
-        add(new Externforce());
-        add(new Pressure());
-        add(new Artvisc());
-        add(new Physvisc());
+// The viscous disc of a benchmark with all four forces and the stepper, on
+// the benchmark's thread count; counts evaluations (console lines) and heap
+// allocations of the steps it makes.
+struct Schritte {
+    Szenario& sz;
+    Faeden faeden;
+    Stumm stumm;
+    PhysviscAkkScheibe s;
+    Kraefte kraefte;
+    RungeKutta rk;
+    double hdid = 0, hnext = 0;
+    std::size_t zeilen0 = 0, zuweisungen = 0;
+
+    explicit Schritte(benchmark::State& state)
+        : sz(szenario(state.range(0))), faeden(state), s(*sz.initScheibe, *sz.phys),
+          rk(s, *sz.initOdeint) {
+        kraefte.add(new Externforce());
+        kraefte.add(new Pressure());
+        kraefte.add(new Artvisc());
+        kraefte.add(new Physvisc());
+    }
+    // One step of size rk.h as the main loop makes it: the forces on the
+    // disc, then the stepper (five more evaluations per try).
+    void schritt() {
+        kraefte.derivatives(s, *sz.phys);
+        rk.stepper(s, *sz.phys, kraefte, &hdid, &hnext);
+    }
+    void zaehleAb() { zeilen0 = stumm.zeilen; }
+    void gezaehlterSchritt() {
+        gezaehlt(zuweisungen, [&] { schritt(); });
+    }
+    void berichte(benchmark::State& state) {
+        const double n = double(state.iterations());
+        state.counters["evals_per_step"] = double(stumm.zeilen - zeilen0) / n;
+        state.counters["allocs_per_step"] = double(zuweisungen) / n;
+        paarZaehler(state, double(s.ww->size()));
     }
 };
 
-// One step as the main loop makes it at the start of a run: the forces on
-// the generator's disc, then the stepper (five more evaluations per try).
-// Every iteration starts again from the same disc and tries the step size
-// that the first step accepted, so each is one accepted try of 6
-// evaluations on a disc of ~31 partners (counted: evals_per_step).
+// One step at the start of a run. Every iteration starts again from the
+// generator's disc and tries the step size that the first step accepted, so
+// each is one accepted try of 6 evaluations on a disc of ~34 partners.
 void BM_RungeKuttaSchritt(benchmark::State& state) {
-    Szenario& sz = szenario(state.range(0));
-    Faeden faeden(state);
-    Stumm stumm;
-    PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
-    AlleKraefte kraefte;
-    RungeKutta rk(s, *sz.initOdeint);
-    const std::vector<PhysviscTeilchen> anfang = s.teilchen;
-    const double t0 = s.t();
-    double hdid = 0, hnext = 0;
-    rk.h = 1.0;
-    auto schritt = [&] {
-        kraefte.derivatives(s, *sz.phys);
-        rk.stepper(s, *sz.phys, kraefte, &hdid, &hnext);
-    };
+    Schritte l(state);
+    const std::vector<PhysviscTeilchen> anfang = l.s.teilchen;
+    const double t0 = l.s.t();
     auto zurueck = [&] {
-        std::copy(anfang.begin(), anfang.end(), s.teilchen.begin());
-        s.t(t0);
+        std::copy(anfang.begin(), anfang.end(), l.s.teilchen.begin());
+        l.s.t(t0);
     };
-    schritt(); // learns the accepted step
-    rk.h = hdid;
+    l.rk.h = 1.0;
+    l.schritt(); // learns the accepted step
+    l.rk.h = l.hdid;
     for (int i = 0; i < 2; ++i) {
         zurueck();
-        schritt();
+        l.schritt();
     }
-    const std::size_t zeilen = stumm.zeilen;
-    std::size_t zuw = 0;
+    l.zaehleAb();
     for (auto _ : state) {
         state.PauseTiming();
         zurueck();
         state.ResumeTiming();
-        gezaehlt(zuw, schritt);
+        l.gezaehlterSchritt();
     }
-    state.counters["evals_per_step"] = double(stumm.zeilen - zeilen) / double(state.iterations());
-    state.counters["allocs_per_step"] = double(zuw) / double(state.iterations());
-    state.counters["h_s"] = hdid;
-    paarZaehler(state, double(s.ww->size()));
+    l.berichte(state);
+    state.counters["h_s"] = l.hdid;
 }
 
 // A run as the driver makes it: every step tries the size the previous one
@@ -186,27 +200,18 @@ int aufwaermen(long n) {
 }
 
 void BM_Lauf(benchmark::State& state) {
-    Szenario& sz = szenario(state.range(0));
-    Faeden faeden(state);
-    Stumm stumm;
-    PhysviscAkkScheibe s(*sz.initScheibe, *sz.phys);
-    AlleKraefte kraefte;
-    RungeKutta rk(s, *sz.initOdeint);
-    double hdid = 0, hnext = 0;
+    Schritte l(state);
     auto schritt = [&] {
-        rk.h = hnext > 0 ? hnext : 1.0;
-        kraefte.derivatives(s, *sz.phys);
-        rk.stepper(s, *sz.phys, kraefte, &hdid, &hnext);
+        l.rk.h = l.hnext > 0 ? l.hnext : 1.0;
+        l.gezaehlterSchritt();
     };
     for (int i = 0; i < aufwaermen(state.range(0)); ++i)
         schritt();
-    const std::size_t zeilen = stumm.zeilen;
-    std::size_t zuw = 0;
+    l.zuweisungen = 0;
+    l.zaehleAb();
     for (auto _ : state)
-        gezaehlt(zuw, schritt);
-    state.counters["evals_per_step"] = double(stumm.zeilen - zeilen) / double(state.iterations());
-    state.counters["allocs_per_step"] = double(zuw) / double(state.iterations());
-    paarZaehler(state, double(s.ww->size()));
+        schritt();
+    l.berichte(state);
 }
 
 // The grid search alone, as force_init runs it (binning, then the half

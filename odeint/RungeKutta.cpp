@@ -20,129 +20,113 @@ template <class F> void fuerJedesTeilchen(int n, F f) {
 
 RungeKutta::RungeKutta(AkkScheibe& scheibe, InitOdeint& init) : Odeint(init) {
     ytemp = scheibe.clone();
-    yerr = scheibe.clone();
-    ak2 = scheibe.clone();
-    ak3 = scheibe.clone();
-    ak4 = scheibe.clone();
-    ak5 = scheibe.clone();
-    ak6 = scheibe.clone();
 }
 
 RungeKutta::~RungeKutta() {
-    delete yerr;
     delete ytemp;
-    delete ak2;
-    delete ak3;
-    delete ak4;
-    delete ak5;
-    delete ak6;
 }
 
 void RungeKutta::rkck(AkkScheibe& y, double h, PhysSystem& phys, RechteSeiteDG& kraefte) {
-    AkkScheibe& k2 = *ak2;
-    AkkScheibe& k3 = *ak3;
-    AkkScheibe& k4 = *ak4;
-    AkkScheibe& k5 = *ak5;
-    AkkScheibe& k6 = *ak6;
+    AkkScheibe& s = *ytemp;
+    Ableitung* k2 = ak2.data();
+    Ableitung* k3 = ak3.data();
+    Ableitung* k4 = ak4.data();
+    Ableitung* k5 = ak5.data();
+    Ableitung* k6 = ak6.data();
+    Teilchen* e = yerr.data();
     // Every stage is base + h*(b*k) + ..., each term formed as h times
     // (coefficient times vector) and added in order; r advances with v, v with a.
-    // The particle count does not change within a step.
+    // Each loop first keeps the derivative of the stage just evaluated on s,
+    // then overwrites s with the next stage. The particle count does not
+    // change within a step.
     const int n = y.tanz();
+    auto behalte = [&](Ableitung* k, int i) {
+        const Teilchen& q = s[i];
+        k[i].v = q.v;
+        k[i].a = q.a;
+    };
     fuerJedesTeilchen(n, [&](int i) {
         Teilchen& p = y[i];
-        Teilchen& s = k2[i];
-        for (int k = 0; k < 3; ++k) {
-            s.r[k] = p.r[k] + h * (b21 * p.v[k]);
-            s.v[k] = p.v[k] + h * (b21 * p.a[k]);
+        Teilchen& t = s[i];
+        for (int c = 0; c < 3; ++c) {
+            t.r[c] = p.r[c] + h * (b21 * p.v[c]);
+            t.v[c] = p.v[c] + h * (b21 * p.a[c]);
         }
     });
-    kraefte.derivatives(k2, phys);
+    kraefte.derivatives(s, phys);
     fuerJedesTeilchen(n, [&](int i) {
+        behalte(k2, i);
         Teilchen& p = y[i];
-        Teilchen& q2 = k2[i];
-        Teilchen& s = k3[i];
-        for (int k = 0; k < 3; ++k) {
-            s.r[k] = p.r[k] + h * (b31 * p.v[k]) + h * (b32 * q2.v[k]);
-            s.v[k] = p.v[k] + h * (b31 * p.a[k]) + h * (b32 * q2.a[k]);
+        Teilchen& t = s[i];
+        for (int c = 0; c < 3; ++c) {
+            t.r[c] = p.r[c] + h * (b31 * p.v[c]) + h * (b32 * k2[i].v[c]);
+            t.v[c] = p.v[c] + h * (b31 * p.a[c]) + h * (b32 * k2[i].a[c]);
         }
     });
-    kraefte.derivatives(k3, phys);
+    kraefte.derivatives(s, phys);
     fuerJedesTeilchen(n, [&](int i) {
+        behalte(k3, i);
         Teilchen& p = y[i];
-        Teilchen& q2 = k2[i];
-        Teilchen& q3 = k3[i];
-        Teilchen& s = k4[i];
-        for (int k = 0; k < 3; ++k) {
-            s.r[k] = p.r[k] + h * (b41 * p.v[k]) + h * (b42 * q2.v[k]) + h * (b43 * q3.v[k]);
-            s.v[k] = p.v[k] + h * (b41 * p.a[k]) + h * (b42 * q2.a[k]) + h * (b43 * q3.a[k]);
+        Teilchen& t = s[i];
+        for (int c = 0; c < 3; ++c) {
+            t.r[c] = p.r[c] + h * (b41 * p.v[c]) + h * (b42 * k2[i].v[c]) + h * (b43 * k3[i].v[c]);
+            t.v[c] = p.v[c] + h * (b41 * p.a[c]) + h * (b42 * k2[i].a[c]) + h * (b43 * k3[i].a[c]);
         }
     });
-    kraefte.derivatives(k4, phys);
+    kraefte.derivatives(s, phys);
     fuerJedesTeilchen(n, [&](int i) {
+        behalte(k4, i);
         Teilchen& p = y[i];
-        Teilchen& q2 = k2[i];
-        Teilchen& q3 = k3[i];
-        Teilchen& q4 = k4[i];
-        Teilchen& s = k5[i];
-        for (int k = 0; k < 3; ++k) {
-            s.r[k] = p.r[k] + h * (b51 * p.v[k]) + h * (b52 * q2.v[k]) + h * (b53 * q3.v[k]) +
-                     h * (b54 * q4.v[k]);
-            s.v[k] = p.v[k] + h * (b51 * p.a[k]) + h * (b52 * q2.a[k]) + h * (b53 * q3.a[k]) +
-                     h * (b54 * q4.a[k]);
+        Teilchen& t = s[i];
+        for (int c = 0; c < 3; ++c) {
+            t.r[c] = p.r[c] + h * (b51 * p.v[c]) + h * (b52 * k2[i].v[c]) +
+                     h * (b53 * k3[i].v[c]) + h * (b54 * k4[i].v[c]);
+            t.v[c] = p.v[c] + h * (b51 * p.a[c]) + h * (b52 * k2[i].a[c]) +
+                     h * (b53 * k3[i].a[c]) + h * (b54 * k4[i].a[c]);
         }
     });
-    kraefte.derivatives(k5, phys);
+    kraefte.derivatives(s, phys);
     fuerJedesTeilchen(n, [&](int i) {
+        behalte(k5, i);
         Teilchen& p = y[i];
-        Teilchen& q2 = k2[i];
-        Teilchen& q3 = k3[i];
-        Teilchen& q4 = k4[i];
-        Teilchen& q5 = k5[i];
-        Teilchen& s = k6[i];
-        for (int k = 0; k < 3; ++k) {
-            s.r[k] = p.r[k] + h * (b61 * p.v[k]) + h * (b62 * q2.v[k]) + h * (b63 * q3.v[k]) +
-                     h * (b64 * q4.v[k]) + h * (b65 * q5.v[k]);
-            s.v[k] = p.v[k] + h * (b61 * p.a[k]) + h * (b62 * q2.a[k]) + h * (b63 * q3.a[k]) +
-                     h * (b64 * q4.a[k]) + h * (b65 * q5.a[k]);
+        Teilchen& t = s[i];
+        for (int c = 0; c < 3; ++c) {
+            t.r[c] = p.r[c] + h * (b61 * p.v[c]) + h * (b62 * k2[i].v[c]) +
+                     h * (b63 * k3[i].v[c]) + h * (b64 * k4[i].v[c]) + h * (b65 * k5[i].v[c]);
+            t.v[c] = p.v[c] + h * (b61 * p.a[c]) + h * (b62 * k2[i].a[c]) +
+                     h * (b63 * k3[i].a[c]) + h * (b64 * k4[i].a[c]) + h * (b65 * k5[i].a[c]);
         }
     });
-    kraefte.derivatives(k6, phys);
-    AkkScheibe& yt = *ytemp;
-    AkkScheibe& ye = *yerr;
+    kraefte.derivatives(s, phys);
     fuerJedesTeilchen(n, [&](int i) {
+        behalte(k6, i);
         Teilchen& p = y[i];
-        Teilchen& q3 = k3[i];
-        Teilchen& q4 = k4[i];
-        Teilchen& q5 = k5[i];
-        Teilchen& q6 = k6[i];
-        Teilchen& t = yt[i];
-        Teilchen& e = ye[i];
-        for (int k = 0; k < 3; ++k)
-            t.r[k] = p.r[k] + h * (c1 * p.v[k]) + h * (c3 * q3.v[k]) + h * (c4 * q4.v[k]) +
-                     h * (c6 * q6.v[k]);
-        for (int k = 0; k < 3; ++k)
-            t.v[k] = p.v[k] + h * (c1 * p.a[k]) + h * (c3 * q3.a[k]) + h * (c4 * q4.a[k]) +
-                     h * (c6 * q6.a[k]);
+        Teilchen& t = s[i];
+        for (int c = 0; c < 3; ++c)
+            t.r[c] = p.r[c] + h * (c1 * p.v[c]) + h * (c3 * k3[i].v[c]) + h * (c4 * k4[i].v[c]) +
+                     h * (c6 * k6[i].v[c]);
+        for (int c = 0; c < 3; ++c)
+            t.v[c] = p.v[c] + h * (c1 * p.a[c]) + h * (c3 * k3[i].a[c]) + h * (c4 * k4[i].a[c]) +
+                     h * (c6 * k6[i].a[c]);
         // The result carries the acceleration of the step's start.
         t.a = p.a;
-        for (int k = 0; k < 3; ++k)
-            e.r[k] = h * (dc1 * p.v[k]) + h * (dc3 * q3.v[k]) + h * (dc4 * q4.v[k]) +
-                     h * (dc5 * q5.v[k]) + h * (dc6 * q6.v[k]);
-        for (int k = 0; k < 3; ++k)
-            e.v[k] = h * (dc1 * p.a[k]) + h * (dc3 * q3.a[k]) + h * (dc4 * q4.a[k]) +
-                     h * (dc5 * q5.a[k]) + h * (dc6 * q6.a[k]);
+        for (int c = 0; c < 3; ++c)
+            e[i].r[c] = h * (dc1 * p.v[c]) + h * (dc3 * k3[i].v[c]) + h * (dc4 * k4[i].v[c]) +
+                        h * (dc5 * k5[i].v[c]) + h * (dc6 * k6[i].v[c]);
+        for (int c = 0; c < 3; ++c)
+            e[i].v[c] = h * (dc1 * p.a[c]) + h * (dc3 * k3[i].a[c]) + h * (dc4 * k4[i].a[c]) +
+                        h * (dc5 * k5[i].a[c]) + h * (dc6 * k6[i].a[c]);
     });
 }
 
 void RungeKutta::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte,
                          double* hdid, double* hnext) {
-    yerr->odeint_init(scheibe);
+    // The stage storage follows the particle count (capacity is kept).
+    const std::size_t anzahl = static_cast<std::size_t>(scheibe.tanz());
     ytemp->odeint_init(scheibe);
-    ak2->odeint_init(scheibe);
-    ak3->odeint_init(scheibe);
-    ak4->odeint_init(scheibe);
-    ak5->odeint_init(scheibe);
-    ak6->odeint_init(scheibe);
+    yerr.resize(anzahl);
+    for (auto* k : {&ak2, &ak3, &ak4, &ak5, &ak6})
+        k->resize(anzahl);
 
     double h = this->h;
     double errmax;
@@ -151,7 +135,7 @@ void RungeKutta::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& k
         // The largest velocity error: a maximum, exact in any order (no
         // component is NaN after max_v_koord).
         errmax = 0.0;
-        AkkScheibe& fehler = *yerr;
+        const Teilchen* fehler = yerr.data();
         const int n = scheibe.tanz();
 #pragma omp parallel for schedule(static) reduction(max : errmax) if (n >= scheibe::mindestens)
         for (int i = 0; i < n; ++i) {

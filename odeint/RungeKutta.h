@@ -1,6 +1,10 @@
 #pragma once
 
 #include "odeint/Odeint.h"
+#include "physik/Vektor.h"
+#include "scheibe/Teilchen.h"
+
+#include <vector>
 
 class InitOdeint;
 
@@ -33,13 +37,16 @@ public:
     double dc4 = c4 - 13525.0 / 55296.0;
     double dc6 = c6 - 0.25;
 
-    AkkScheibe* ytemp = nullptr; // fifth-order result
-    AkkScheibe* yerr = nullptr;  // fifth minus fourth order
-    AkkScheibe* ak2 = nullptr;   // stage states 2 to 6
-    AkkScheibe* ak3 = nullptr;
-    AkkScheibe* ak4 = nullptr;
-    AkkScheibe* ak5 = nullptr;
-    AkkScheibe* ak6 = nullptr;
+    // A stage's derivative per particle: dr/dt = v and dv/dt = a of the
+    // stage state, taken after the forces were evaluated on it.
+    struct Ableitung {
+        Vektor3 v; // solar radii / s
+        Vektor3 a; // solar radii / s^2
+    };
+
+    AkkScheibe* ytemp = nullptr;      // stage states 2 to 6 in turn, then the fifth-order result
+    std::vector<Teilchen> yerr;       // fifth minus fourth order, in r and v
+    std::vector<Ableitung> ak2, ak3, ak4, ak5, ak6; // k2 ... k6
 
     RungeKutta(AkkScheibe& scheibe, InitOdeint& init);
     RungeKutta(const RungeKutta&) = delete;
@@ -49,6 +56,7 @@ public:
     void stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte, double* hdid,
                  double* hnext) override;
     // One Cash-Karp step of size h from the state in `scheibe` (which the
-    // driver has evaluated), filling the stages, ytemp and yerr.
+    // driver has evaluated), filling ak2 ... ak6, ytemp and yerr (sized to
+    // the disc by stepper).
     void rkck(AkkScheibe& scheibe, double h, PhysSystem& phys, RechteSeiteDG& kraefte);
 };

@@ -120,6 +120,13 @@ struct Leinwand {
     }
 };
 
+// The name of frame k of a film.
+std::string bildName(std::size_t k) {
+    char name[32];
+    std::snprintf(name, sizeof name, "bild-%04zu.png", k);
+    return name;
+}
+
 int textbreite(const std::string& s, int skala) {
     std::string sauber = s;
     for (char& c : sauber)
@@ -174,6 +181,7 @@ struct Optionen {
     double zstreckung = 16;
     double glaettung = -1; // < 0: h / 4
     double dekaden = 3;
+    bool film = false; // numbered frames bild-0000.png, ... in order of time
 };
 
 struct Lage { // what every picture of a run shares
@@ -222,6 +230,9 @@ Lage plane(const PhysSystem& phys, const Optionen& o) {
             l.legende.push_back(t);
     }
     l.hoehe = oben + o.pixel + unten + 12 * s * static_cast<int>(l.legende.size() - 1);
+    // Even sizes: video encoders with half-resolution chroma (yuv420p) need them.
+    l.breite += l.breite % 2;
+    l.hoehe += l.hoehe % 2;
     const double sigma = o.glaettung >= 0 ? o.glaettung : (phys.h > 0 ? phys.h / 4 : 0);
     for (std::size_t i = 0; i < l.panels.size(); ++i)
         l.glaettungZellen[i] = sigma / (2 * w) * o.pixel; // same in x and in the (stretched) z
@@ -535,6 +546,11 @@ const char* hilfetext() {
            "                       per pixel\n"
            "      --dekaden D      decades of the colour scale below its top, the largest\n"
            "                       column density of the run, up to 30 (default 3)\n"
+           "      --film           frames for a film: the pictures go to the folder -o\n"
+           "                       as bild-0000.png, bild-0001.png, ... in order of time\n"
+           "                       (all of one size, on one colour scale); then e.g.\n"
+           "                       ffmpeg -framerate 2 -i FOLDER/bild-%04d.png\n"
+           "                       -pix_fmt yuv420p film.mp4\n"
            "  -h, --help           this text\n"
            "\n"
            "Column density Sigma: particles per pixel area times the particle mass, in\n"
@@ -554,7 +570,7 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
         schnappschuss::zerlege(argumente,
                                {"-p", "--parameter", "-o", "--ausgabe", "--pixel", "--ansicht",
                                 "--ausdehnung", "--zstreckung", "--glaettung", "--dekaden"},
-                               {"-h", "--help"}, optionen, angaben);
+                               {"-h", "--help", "--film"}, optionen, angaben);
     Optionen o;
     for (const auto& a : optionen) {
         if (!fehler.empty())
@@ -564,6 +580,8 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
         if (a.name == "-h" || a.name == "--help") {
             out << hilfetext();
             return 0;
+        } else if (a.name == "--film") {
+            o.film = true;
         } else if (a.name == "-p" || a.name == "--parameter" || a.name == "-o" ||
                    a.name == "--ausgabe") {
             if (a.wert.empty())
@@ -601,6 +619,8 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
     }
     if (fehler.empty() && angaben.empty())
         fehler = "no snapshot given";
+    if (fehler.empty() && o.film && o.ausgabe.empty())
+        fehler = "--film wants a folder for the frames: -o FOLDER";
     if (!fehler.empty()) {
         err << "scheibenbild: " << fehler << " (--help lists the options)\n";
         return 2;
@@ -639,7 +659,8 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
 
     namespace fs = std::filesystem;
     std::error_code fehlerOrdner;
-    const bool ordner = !o.ausgabe.empty() && (dateien.size() > 1 || o.ausgabe.back() == '/' ||
+    const bool ordner = !o.ausgabe.empty() && (o.film || dateien.size() > 1 ||
+                                               o.ausgabe.back() == '/' ||
                                                fs::is_directory(o.ausgabe, fehlerOrdner));
     if (ordner) {
         std::error_code f;
@@ -649,6 +670,7 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
             return 1;
         }
     }
+    std::size_t nummer = 0;
     for (std::size_t i : schnappschuss::zeitfolge(zeiten)) {
         const std::string& datei = dateien[i];
         AkkScheibe s;
@@ -659,7 +681,8 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
             return 1;
         }
         const std::string ziel =
-            o.ausgabe.empty() ? datei + ".png"
+            o.film ? (fs::path(o.ausgabe) / bildName(nummer++)).string()
+            : o.ausgabe.empty() ? datei + ".png"
             : ordner
                 ? (fs::path(o.ausgabe) / (fs::path(datei).filename().string() + ".png")).string()
                 : o.ausgabe;
@@ -670,6 +693,13 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
         }
         out << ziel << '\n';
     }
+    // ffmpeg takes every frame that follows on without a gap, so one left
+    // from a longer run in the same folder would end up in the film.
+    const fs::path alt = fs::path(o.ausgabe) / bildName(nummer);
+    if (o.film && fs::exists(alt, fehlerOrdner))
+        err << "scheibenbild: warning: " << alt.string()
+            << " is left from an earlier run; remove it and the frames after it, or a film"
+               " made of the folder shows them too\n";
     return 0;
 }
 

@@ -21,19 +21,6 @@ namespace schnappschuss {
 
 namespace {
 
-// Redirects a console stream for the object's life, also when the reader throws.
-class Umleitung {
-public:
-    Umleitung(std::ostream& s, std::ostream& ziel) : strom(s), alt(s.rdbuf(ziel.rdbuf())) {}
-    ~Umleitung() { strom.rdbuf(alt); }
-    Umleitung(const Umleitung&) = delete;
-    Umleitung& operator=(const Umleitung&) = delete;
-
-private:
-    std::ostream& strom;
-    std::streambuf* alt;
-};
-
 bool nurZiffern(const std::string& s) {
     return !s.empty() &&
            std::all_of(s.begin(), s.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -116,6 +103,11 @@ std::string sammle(const std::vector<std::string>& angaben, std::vector<std::str
 
 bool lies(const std::string& datei, PhysSystem& phys, AkkScheibe& scheibe,
           std::ostream& meldungen) {
+    return lies(datei, meldungen, [&](InitAkkScheibe& init) { scheibe = AkkScheibe(init, phys); });
+}
+
+bool lies(const std::string& datei, std::ostream& meldungen,
+          const std::function<void(InitAkkScheibe&)>& leser) {
     // Checked here: the reader itself only complains and leaves an empty disc,
     // for a missing file as for one that is no snapshot at all.
     std::ifstream probe(datei);
@@ -128,7 +120,7 @@ bool lies(const std::string& datei, PhysSystem& phys, AkkScheibe& scheibe,
     std::ostringstream mitschnitt;
     {
         Umleitung aus(std::cout, mitschnitt), fehler(std::cerr, mitschnitt);
-        scheibe = AkkScheibe(init, phys);
+        leser(init);
     }
     std::istringstream zeilen(mitschnitt.str());
     for (std::string zeile; std::getline(zeilen, zeile);)

@@ -6,10 +6,13 @@
 #include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
 
-#include <iosfwd>
+#include <functional>
+#include <ostream>
 #include <memory>
 #include <string>
 #include <vector>
+
+class InitAkkScheibe;
 
 namespace schnappschuss {
 
@@ -29,6 +32,24 @@ std::string sammle(const std::vector<std::string>& angaben, std::vector<std::str
 // standard output stays free for tables. False when the file cannot be read
 // or has no "Teilchendaten:" line, so is no snapshot.
 bool lies(const std::string& datei, PhysSystem& phys, AkkScheibe& scheibe, std::ostream& meldungen);
+// The same for any disc class: `leser` builds the disc from the InitAkkScheibe
+// it is given (for instance an SphAkkScheibe), its console output caught alike.
+bool lies(const std::string& datei, std::ostream& meldungen,
+          const std::function<void(InitAkkScheibe&)>& leser);
+
+// Redirects a console stream for the object's life, also when the reader
+// throws: the simulator's classes talk on standard output.
+class Umleitung {
+public:
+    Umleitung(std::ostream& s, std::ostream& ziel) : strom(s), alt(s.rdbuf(ziel.rdbuf())) {}
+    ~Umleitung() { strom.rdbuf(alt); }
+    Umleitung(const Umleitung&) = delete;
+    Umleitung& operator=(const Umleitung&) = delete;
+
+private:
+    std::ostream& strom;
+    std::streambuf* alt;
+};
 
 // Sorts the indices 0..n-1 by the times given, equal times in the given order.
 std::vector<std::size_t> zeitfolge(const std::vector<double>& zeiten);

@@ -207,20 +207,52 @@ TEST_P(Formeln, KraefteWieIhreDefinition) {
     EXPECT_EQ(v.fehler, 0) << "of " << v.pruefungen << " doubles";
 }
 
+// The forces of a run, and a copy of each stage state with its derivative
+// (r and v as the stepper set them, a from the forces).
+struct Mitschrift : RechteSeiteDG {
+    RechteSeiteDG& kraefte;
+    std::vector<std::vector<Teilchen>> stufen;
+    explicit Mitschrift(RechteSeiteDG& k) : kraefte(k) {}
+    void deriv_ohne_init(AkkScheibe& s, PhysSystem& phys) override {
+        kraefte.deriv_ohne_init(s, phys);
+        std::vector<Teilchen> kopie;
+        for (int i = 0; i < s.tanz(); ++i)
+            kopie.push_back(s[i]);
+        stufen.push_back(std::move(kopie));
+    }
+    AkkScheibe* createAkkScheibe(InitAkkScheibe&, PhysSystem&) override { return nullptr; }
+    int scheibe() override { return kraefte.scheibe(); }
+};
+
 TEST_P(Formeln, StufenDesSchrittsWieIhreDefinition) {
     Lauf l;
     hilfen::Mitschnitt still(std::cout);
     RungeKutta rk(l.s, l.io);
-    for (AkkScheibe* kopie : {rk.yerr, rk.ytemp, rk.ak2, rk.ak3, rk.ak4, rk.ak5, rk.ak6})
-        kopie->odeint_init(l.s);
+    // Sized as stepper sizes them.
+    rk.ytemp->odeint_init(l.s);
+    const std::size_t n = std::size_t(l.s.tanz());
+    rk.yerr.resize(n);
+    for (auto* k : {&rk.ak2, &rk.ak3, &rk.ak4, &rk.ak5, &rk.ak6})
+        k->resize(n);
     l.k.derivatives(l.s, l.phys);
+    Mitschrift m(l.k);
     const double h = 7.5;
-    rk.rkck(l.s, h, l.phys, l.k);
+    rk.rkck(l.s, h, l.phys, m);
+    ASSERT_EQ(m.stufen.size(), 5u);
     Vergleich v;
     for (int i = 0; i < l.s.tanz(); ++i) {
-        const Teilchen &y = l.s[i], &k2 = (*rk.ak2)[i], &k3 = (*rk.ak3)[i], &k4 = (*rk.ak4)[i],
-                       &k5 = (*rk.ak5)[i], &k6 = (*rk.ak6)[i], &yt = (*rk.ytemp)[i],
-                       &ye = (*rk.yerr)[i];
+        const std::size_t j = std::size_t(i);
+        const Teilchen &y = l.s[i], &k2 = m.stufen[0][j], &k3 = m.stufen[1][j],
+                       &k4 = m.stufen[2][j], &k5 = m.stufen[3][j], &k6 = m.stufen[4][j],
+                       &yt = (*rk.ytemp)[i], &ye = rk.yerr[j];
+        // The derivatives kept are those of the stage states.
+        const std::vector<RungeKutta::Ableitung>* gespeichert[] = {&rk.ak2, &rk.ak3, &rk.ak4,
+                                                                    &rk.ak5, &rk.ak6};
+        for (int st = 0; st < 5; ++st)
+            for (int c = 0; c < 3; ++c) {
+                v((*gespeichert[st])[j].v[c], m.stufen[std::size_t(st)][j].v[c], "k.v", i);
+                v((*gespeichert[st])[j].a[c], m.stufen[std::size_t(st)][j].a[c], "k.a", i);
+            }
         // Position rows use the velocities, velocity rows the accelerations.
         for (int zeile = 0; zeile < 2; ++zeile)
             for (int c = 0; c < 3; ++c) {

@@ -23,8 +23,11 @@ namespace {
 const std::string ohneWW = "Stromgeschwindigkeit 7e-6 Stromstreuung 7e-7 Stromabstand 0.005 "
                            "Strombreite 0.006 Stromsaat 3\n";
 
-hilfen::Lauf akkstrom(const fs::path& ordner, const std::string& vor = "") {
-    return hilfen::starte(ordner, vor, AKK_STROM);
+hilfen::Lauf akkstrom(const fs::path& ordner, const std::string& vor = "",
+                      const std::string& optionen = "") {
+    // The helper quotes the program; the options follow it as words of their own.
+    return hilfen::starte(ordner, vor,
+                          optionen.empty() ? AKK_STROM : AKK_STROM + std::string("' '") + optionen);
 }
 
 // The particle lines of a snapshot, six numbers each.
@@ -173,6 +176,52 @@ TEST(Akkstrom, MitgeliefertesBeispielIstReproduzierbar) {
     EXPECT_GE(n, 20u);
     EXPECT_LE(n, 55u);
     EXPECT_EQ(dateien(eins.pfad() / "data"), 4u);
+}
+
+TEST(Akkstrom, FortschrittAufStandardfehlerLaesstStandardausgabeUnberuehrt) {
+    // No forces, steps ending at 5, 20 and 40 s (see above): particle 0 is
+    // appended at 5 s, four more at 20 s, and particle 0 leaves at 20 s.
+    auto ordner = [](hilfen::TempOrdner& o) {
+        fs::create_directories(o.pfad() / "data");
+        hilfen::schreibe(o.datei("data/OYCar.parameter"),
+                         hilfen::parameter("Stromrate 4.49320066e-17 Stromgeschwindigkeit 0.025 "
+                                           "Stromstreuung 0 Stromabstand 0.01 Strombreite 0 "
+                                           "Stromsaat 1\n"));
+        hilfen::schreibe(o.datei("data/Akk-OYCar-0"), "Teilchenanzahl 0\nZeit 0\nTeilchendaten:\n");
+    };
+    hilfen::TempOrdner still, option, umgebung, aus;
+    for (auto* o : {&still, &option, &umgebung, &aus})
+        ordner(*o);
+    const hilfen::Lauf s = akkstrom(still.pfad());
+    const hilfen::Lauf a = akkstrom(option.pfad(), "", "--fortschritt");
+    const hilfen::Lauf b = akkstrom(umgebung.pfad(), "AKKSTROM_FORTSCHRITT=1 ");
+    const hilfen::Lauf c = akkstrom(aus.pfad(), "AKKSTROM_FORTSCHRITT=0 ");
+    EXPECT_EQ(s.err, ""); // not a terminal
+    EXPECT_EQ(c.err, "");
+    // The first step is shown at once, the end always; a slow machine may show
+    // the step at 20 s between them.
+    const std::string zahl = "[0-9.e+-]+";
+    const std::regex zeilen("t 5 s \\(" + zahl + " Bahnen\\), 1 Teilchen, " + zahl +
+                            " Schritte/s, Rest [0-9]+:[0-9]{2}:[0-9]{2}\n"
+                            "(t 20 s .*\n)?"
+                            "t 40 s \\(0.00733" + "[0-9]* Bahnen\\), 4 Teilchen, (" + zahl +
+                            "|-) Schritte/s, Rest 0:00:00\n");
+    for (const hilfen::Lauf* l : {&a, &b}) {
+        EXPECT_EQ(l->status, 0);
+        EXPECT_TRUE(std::regex_match(l->err, zeilen)) << l->err;
+        EXPECT_EQ(l->out, s.out);
+    }
+    for (const char* d : {"data/Akk-OYCar-20", "data/Akk-OYCar-40"})
+        EXPECT_EQ(hilfen::lies(option.datei(d)), hilfen::lies(still.datei(d))) << d;
+
+    // An option it does not know: the run does not start.
+    hilfen::TempOrdner falsch;
+    ordner(falsch);
+    const hilfen::Lauf f = akkstrom(falsch.pfad(), "", "--fortschrit");
+    EXPECT_EQ(f.status, 2);
+    EXPECT_EQ(f.out, "");
+    EXPECT_EQ(f.err, "akkstrom: unbekannte Option '--fortschrit' (bekannt: --fortschritt)\n");
+    EXPECT_EQ(dateien(falsch.pfad() / "data"), 2u);
 }
 
 TEST(Akkstrom, SchlechteStromschluesselBeendenDenLaufVorDemErstenSchritt) {

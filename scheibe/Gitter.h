@@ -148,30 +148,42 @@ public:
 
     // Splits the home planes 1 .. nx-2 into `anzahl` consecutive slabs with
     // about equal numbers of particles: slab s holds planes
-    // grenzen[s] .. grenzen[s + 1] - 1 (a slab may be empty).
+    // grenzen[s] .. grenzen[s + 1] - 1 (a slab may be empty). Only occupied
+    // planes are visited: a sparse grid may have billions of planes.
     void slabs(std::size_t anzahl, std::vector<int>& grenzen) const {
         grenzen.assign(anzahl + 1, nx - 1);
         grenzen[0] = 1;
         std::size_t gesamt = 0;
-        for (int i = 1; i <= nx - 2; ++i)
-            gesamt += inEbene(i);
+        fuerBelegteEbenen([&](int, std::size_t n) { gesamt += n; });
         std::size_t summe = 0, s = 1;
-        for (int i = 1; i <= nx - 2 && s < anzahl; ++i) {
-            summe += inEbene(i);
+        fuerBelegteEbenen([&](int i, std::size_t n) {
+            summe += n;
             while (s < anzahl && summe * anzahl >= gesamt * s)
                 grenzen[s++] = i + 1;
-        }
+        });
     }
 
 private:
-    // Particles in plane i.
+    // Dense grid: particles in plane i.
     std::size_t inEbene(int i) const {
-        if (dicht)
-            return anfang[zelle(i + 1, 0, 0)] - anfang[zelle(i, 0, 0)];
-        std::size_t n = 0;
-        for (auto c = ersteZelle(i); c != belegt.end() && c->ijk[0] == i; ++c)
-            n += c->ende - c->anfang;
-        return n;
+        return anfang[zelle(i + 1, 0, 0)] - anfang[zelle(i, 0, 0)];
+    }
+    // f(i, particles in plane i) for the home planes 1 .. nx-2 that hold
+    // particles, in order.
+    template <class F> void fuerBelegteEbenen(F f) const {
+        if (dicht) {
+            for (int i = 1; i <= nx - 2; ++i)
+                if (const std::size_t n = inEbene(i))
+                    f(i, n);
+            return;
+        }
+        for (auto c = ersteZelle(1); c != belegt.end() && c->ijk[0] <= nx - 2;) {
+            const int i = c->ijk[0];
+            std::size_t n = 0;
+            for (; c != belegt.end() && c->ijk[0] == i; ++c)
+                n += c->ende - c->anfang;
+            f(i, n);
+        }
     }
     // Sparse grid: the first occupied cell of plane i or beyond.
     typename std::vector<Zelle>::const_iterator ersteZelle(int i) const {

@@ -1,5 +1,7 @@
 #include "strom/InitStrom.h"
 
+#include "init/Text.h"
+
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
@@ -14,21 +16,6 @@ bool alsReal(const std::string& text, double& wert) {
     errno = 0;
     const double w = std::strtod(text.c_str(), &ende);
     if (text.empty() || ende != text.c_str() + text.size() || errno == ERANGE || !std::isfinite(w))
-        return false;
-    wert = w;
-    return true;
-}
-
-// Decimal digits only: no sign, so that "-1" is not wrapped to a huge seed.
-bool alsGanz(const std::string& text, std::uint64_t& wert) {
-    if (text.empty() || text.size() > 20)
-        return false;
-    for (char c : text)
-        if (c < '0' || c > '9')
-            return false;
-    errno = 0;
-    const unsigned long long w = std::strtoull(text.c_str(), nullptr, 10);
-    if (errno == ERANGE)
         return false;
     wert = w;
     return true;
@@ -92,7 +79,10 @@ void InitStrom::init(const char* parameterDatei) {
                 break;
             }
             if (!s.wert) {
-                if (!alsGanz(text, Stromsaat))
+                unsigned long long saat = 0;
+                if (alsGanz(text, saat))
+                    Stromsaat = saat;
+                else
                     meldungen[i].push_back(vorsatz + s.name + " braucht eine " + saatBereich +
                                            ", nicht '" + text + "' !");
                 break;

@@ -1,12 +1,11 @@
 #include "strom/Stromquelle.h"
 
+#include "init/Text.h"
 #include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
 #include "strom/InitStrom.h"
 
 #include <cmath>
-#include <locale>
-#include <sstream>
 
 namespace strom {
 
@@ -22,17 +21,6 @@ double normalverteilt(std::mt19937_64& zufall) {
 }
 
 } // namespace strom
-
-namespace {
-
-std::string zahl(double x) {
-    std::ostringstream s;
-    s.imbue(std::locale::classic());
-    s << x;
-    return s.str();
-}
-
-} // namespace
 
 Stromquelle::Stromquelle(AkkScheibe& s, const PhysSystem& p, const InitStrom& init)
     : scheibe(&s), phys(&p), rate(init.Stromrate), geschwindigkeit(init.Stromgeschwindigkeit),

@@ -1,6 +1,7 @@
 #include "tools/Scheibengenerator.h"
 
 #include "init/InitPhysSystem.h"
+#include "init/Text.h"
 #include "physik/PhysSystem.h"
 
 #include <algorithm>
@@ -31,28 +32,6 @@ bool alsReal(const std::string& text, double& wert) {
         return false;
     wert = w;
     return true;
-}
-
-// Decimal digits only: no sign, so that "-1" is not wrapped to a huge seed.
-bool alsGanz(const std::string& text, unsigned long long& wert) {
-    if (text.empty() || text.size() > 20)
-        return false;
-    for (char c : text)
-        if (c < '0' || c > '9')
-            return false;
-    errno = 0;
-    unsigned long long w = std::strtoull(text.c_str(), nullptr, 10);
-    if (errno == ERANGE)
-        return false;
-    wert = w;
-    return true;
-}
-
-std::string zahl(double x) {
-    std::ostringstream s;
-    s.imbue(std::locale::classic());
-    s << x;
-    return s.str();
 }
 
 } // namespace

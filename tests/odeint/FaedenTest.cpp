@@ -99,51 +99,44 @@ TEST(Faeden, JedeFadenzahlGibtDieselbenBits) {
     }
 }
 
+// A viscous random disc whose forces were prepared `mal` times on 3 threads.
+struct DreiSlabs {
+    hilfen::TempOrdner ordner;
+    std::string p = ordner.datei("p"), d = ordner.datei("Akk-0");
+    bool geschrieben;
+    InitPhysSystem ip;
+    Kernel1 kernel{ip};
+    PhysSystem phys{ip, &kernel};
+    InitAkkScheibe ia;
+    PhysviscAkkScheibe s{ia, phys};
+    DreiSlabs(const std::string& zusatz, unsigned seed, int mal)
+        : geschrieben((hilfen::schreibe(p, hilfen::parameter(zusatz)),
+                       hilfen::schreibe(d, hilfen::zufallsscheibe(seed)), true)),
+          ip(p.c_str(), d.c_str()), ia(p.c_str(), d.c_str()) {
+        const int vorher = omp_get_max_threads();
+        omp_set_num_threads(3);
+        hilfen::Mitschnitt still(std::cout);
+        for (int i = 0; i < mal; ++i)
+            s.force_init(phys);
+        omp_set_num_threads(vorher);
+    }
+};
+
 TEST(Faeden, SlabsEinesDuennenGittersMitMilliardenEbenen) {
     // h = 1e-9 over a box of about a solar radius: some 1e9 cell planes, of
     // which only the few hundred occupied ones are kept. Cutting them into 3
     // slabs must visit the occupied planes, not every plane (that took
     // seconds per evaluation), and the lone particles find no pairs.
-    const int vorher = omp_get_max_threads();
-    omp_set_num_threads(3);
-    hilfen::TempOrdner ordner;
-    const std::string p = ordner.datei("p"), d = ordner.datei("Akk-0");
-    hilfen::schreibe(p, hilfen::parameter("Smoothinglength 1e-9"));
-    hilfen::schreibe(d, hilfen::zufallsscheibe(4));
-    InitPhysSystem ip(p.c_str(), d.c_str());
-    Kernel1 kernel(ip);
-    PhysSystem phys(ip, &kernel);
-    InitAkkScheibe ia(p.c_str(), d.c_str());
-    PhysviscAkkScheibe s(ia, phys);
-    {
-        hilfen::Mitschnitt still(std::cout);
-        for (int i = 0; i < 20; ++i)
-            s.force_init(phys);
-    }
-    omp_set_num_threads(vorher);
-    EXPECT_EQ(s.ww->anzahlTeile(), 3u);
-    EXPECT_EQ(s.ww->size(), 0u);
+    DreiSlabs l("Smoothinglength 1e-9", 4, 20);
+    EXPECT_EQ(l.s.ww->anzahlTeile(), 3u);
+    EXPECT_EQ(l.s.ww->size(), 0u);
 }
 
 TEST(Faeden, JedesTeilchenListetSeinePaareInListenordnung) {
     // Split over 3 slabs, each particle's list must be exactly its pairs, in
     // the order in which they stand in the pair list.
-    const int vorher = omp_get_max_threads();
-    omp_set_num_threads(3);
-    hilfen::TempOrdner ordner;
-    const std::string p = ordner.datei("p"), d = ordner.datei("Akk-0");
-    hilfen::schreibe(p, hilfen::parameter(""));
-    hilfen::schreibe(d, hilfen::zufallsscheibe(3));
-    InitPhysSystem ip(p.c_str(), d.c_str());
-    Kernel1 kernel(ip);
-    PhysSystem phys(ip, &kernel);
-    InitAkkScheibe ia(p.c_str(), d.c_str());
-    PhysviscAkkScheibe s(ia, phys);
-    {
-        hilfen::Mitschnitt still(std::cout);
-        s.force_init(phys);
-    }
-    omp_set_num_threads(vorher);
+    DreiSlabs l("", 3, 1);
+    PhysviscAkkScheibe& s = l.s;
     ASSERT_EQ(s.ww->anzahlTeile(), 3u);
     std::map<const PhysviscTeilchen*, std::vector<const PhysviscWW*>> erwartet;
     for (PhysviscWW& w : *s.ww) {

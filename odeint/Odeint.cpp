@@ -14,25 +14,32 @@ Odeint::Odeint(InitOdeint& init)
       abbruch(false) {}
 
 void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte) {
-    std::ostream& aus = std::cout;
-    const double t0 = scheibe.t();
-    if (t0 >= outputtime)
-        aus << "Odeint: Fehler: Anfangszeitpunkt ist gr\xf6\xdf" "er als Endzeitpunkt der "
-               "Simulation !\n";
+    if (scheibe.t() >= outputtime)
+        std::cout << "Odeint: Fehler: Anfangszeitpunkt ist gr\xf6\xdf" "er als Endzeitpunkt der "
+                     "Simulation !\n";
     if (outputfiles < 1) {
-        aus << "Odeint: Fehler: Outputfiles muss mindestens 1 sein !\n";
+        std::cout << "Odeint: Fehler: Outputfiles muss mindestens 1 sein !\n";
         return;
     }
+    stand = Laufstand{};
+    stand.t0 = scheibe.t();
+    fortsetzen(scheibe, phys, kraefte);
+}
+
+void Odeint::fortsetzen(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte) {
+    std::ostream& aus = std::cout;
+    if (outputfiles < 1)
+        return;
+    const double t0 = stand.t0;
     // Evenly spaced output times; the last one is the end time. Formed when
     // needed rather than tabulated: the count comes from a hand-edited file.
     auto tout = [&](int k) { return ((k + 1) * (outputtime - t0)) / outputfiles + t0; };
 
-    int kout = 0;
+    int& kout = stand.kout;
     const double rmin2 = phys.eta * phys.eta;
     const double rmax2 = phys.rMax * phys.rMax;
-    int remove_count = 0;
-    int nok = 0, nbad = 0; // kept for inspection in a debugger; never reported
-    int nstp = 1;
+    int& remove_count = stand.remove_count;
+    int& nstp = stand.nstp;
     if (!(nstp <= maxstp))
         return;
     double hdid = 0, hnext = 0;
@@ -43,9 +50,9 @@ void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraeft
         stepper(scheibe, phys, kraefte, &hdid, &hnext);
         aus << "step: " << nstp << " akk.t: " << scheibe.t() << '\n';
         if (hdid == h)
-            ++nok;
+            ++stand.nok;
         else
-            ++nbad;
+            ++stand.nbad;
 
         // Particles that came closer to the primary than eta or strayed
         // beyond rMax leave the simulation.
@@ -90,5 +97,7 @@ void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraeft
         if (!(nstp + 1.0 <= maxstp))
             return;
         ++nstp;
+        if (zwischenhalt && zwischenhalt->anhalten(*this, scheibe))
+            return;
     }
 }

@@ -5,6 +5,27 @@ class InitOdeint;
 class PhysSystem;
 class RechteSeiteDG;
 
+class Odeint;
+
+// The driver's loop state between two steps: with the disc and the step size
+// h, everything a run needs to go on exactly where it stood.
+struct Laufstand {
+    double t0 = 0;        // start time of the run, s; the output times are spaced from it
+    int kout = 0;         // index of the next output time
+    int nstp = 1;         // number of the next step
+    int remove_count = 0; // particles removed so far
+    int nok = 0;          // steps done with the size tried (kept for a debugger)
+    int nbad = 0;         // steps that had to shrink it
+};
+
+// A stop between two steps, asked after each step's output, update and new
+// step size, when `stand` and h describe the next step; true ends the run there.
+class Zwischenhalt {
+public:
+    virtual ~Zwischenhalt() = default;
+    virtual bool anhalten(Odeint& odeint, AkkScheibe& scheibe) = 0;
+};
+
 // Base of the integrators and the main loop of a run: adaptive steps up to
 // the end time, removal of particles outside the allowed shell around the
 // primary, and snapshots at evenly spaced output times.
@@ -17,6 +38,8 @@ public:
     double hmin;       // step size at or below which a warning is printed, s
     double maxstp;     // step limit
     bool abbruch;      // request to stop from outside the loop
+    Laufstand stand;   // loop state of the run
+    Zwischenhalt* zwischenhalt = nullptr; // asked between steps; not owned, null by default
 
     explicit Odeint(InitOdeint& init);
     virtual ~Odeint() = default;
@@ -26,6 +49,9 @@ public:
     virtual void stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte,
                          double* hdid, double* hnext) = 0;
 
-    // Runs the whole integration.
+    // Runs the whole integration from the disc's time.
     void odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte);
+    // Goes on from `stand`, h and the disc, as the loop of odeint would have
+    // after the step before stand.nstp.
+    void fortsetzen(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte);
 };

@@ -4,8 +4,11 @@
 #include "scheibe/AkkScheibe.h"
 #include "strom/Fortschritt.h"
 #include "strom/InitStrom.h"
+#include "strom/Sicherung.h"
 #include "strom/Stromquelle.h"
 
+#include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
@@ -19,20 +22,80 @@ StromConsole::StromConsole(const char* parameterDatei, const char* teilchenDatei
 // The stream only holds pointers to the disc and the physical system, which
 // the base releases afterwards.
 StromConsole::~StromConsole() {
+    delete sicherung;
     delete anzeige;
     delete quelle;
     delete initStrom;
 }
 
+namespace {
+
+const char* const bekannt = "--fortschritt, --weiter, --sicherung DATEI, --sicherung-schritte N, "
+                            "--sicherung-minuten M, --halt-nach N";
+
+// A whole number from 1 up, as an option's value.
+bool positiv(const char* text, long long& n) {
+    errno = 0;
+    char* ende = nullptr;
+    n = std::strtoll(text, &ende, 10);
+    return errno == 0 && ende != text && *ende == '\0' && n >= 1;
+}
+
+// The folder of a file's path, for the default checkpoint beside the snapshots.
+std::string ordnerVon(const std::string& pfad) {
+    const std::size_t s = pfad.rfind('/');
+    return s == std::string::npos ? "." : pfad.substr(0, s == 0 ? 1 : s);
+}
+
+} // namespace
+
 int StromConsole::run(int argc, char** argv) {
     const char* umgebung = std::getenv("AKKSTROM_FORTSCHRITT");
     bool fortschritt = umgebung && *umgebung && std::strcmp(umgebung, "0") != 0;
+    bool weiter = false;
+    std::string datei = ordnerVon(teilchenDatei) + "/akkstrom.sicherung";
+    bool dateiGenannt = false;
+    long long schritte = 0, haltNach = 0;
+    double minuten = 0;
     for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--fortschritt") == 0) {
+        const std::string o = argv[i];
+        const bool mitWert = o == "--sicherung" || o == "--sicherung-schritte" ||
+                             o == "--sicherung-minuten" || o == "--halt-nach";
+        if (o == "--fortschritt") {
             fortschritt = true;
-        } else {
-            std::cerr << "akkstrom: unbekannte Option '" << argv[i]
-                      << "' (bekannt: --fortschritt)\n";
+            continue;
+        }
+        if (o == "--weiter") {
+            weiter = true;
+            continue;
+        }
+        if (!mitWert) {
+            std::cerr << "akkstrom: unbekannte Option '" << o << "' (bekannt: " << bekannt << ")\n";
+            return 2;
+        }
+        if (i + 1 >= argc) {
+            std::cerr << "akkstrom: Option " << o << " ohne Wert\n";
+            return 2;
+        }
+        const char* wert = argv[++i];
+        if (o == "--sicherung") {
+            datei = wert;
+            dateiGenannt = true;
+            if (datei.empty()) {
+                std::cerr << "akkstrom: Option --sicherung braucht einen Dateinamen\n";
+                return 2;
+            }
+        } else if (o == "--sicherung-minuten") {
+            char* ende = nullptr;
+            minuten = std::strtod(wert, &ende);
+            if (ende == wert || *ende != '\0' || !(minuten > 0) || !std::isfinite(minuten)) {
+                std::cerr << "akkstrom: Option --sicherung-minuten braucht eine Zahl gr\xf6\xdf"
+                             "er als 0, nicht '" << wert << "'\n";
+                return 2;
+            }
+        } else if (!positiv(wert, o == "--halt-nach" ? haltNach : schritte)) {
+            std::cerr << "akkstrom: Option " << o << " braucht eine ganze Zahl ab 1, nicht '"
+                      << wert << "'\n";
             return 2;
         }
     }
@@ -44,9 +107,38 @@ int StromConsole::run(int argc, char** argv) {
             std::cout << f << '\n';
         return 1;
     }
+    // Checkpoints that were asked for must have a place to go before hours
+    // of computing depend on them.
+    if ((schritte > 0 || minuten > 0 || haltNach > 0) &&
+        ::access(ordnerVon(datei).c_str(), W_OK) != 0) {
+        std::cerr << "akkstrom: in den Ordner der Sicherung '" << datei
+                  << "' l\xe4sst sich nicht schreiben: " << std::strerror(errno) << '\n';
+        return 1;
+    }
     if (!aufbauen())
         return 0;
     quelle = new Stromquelle(*scheibe, *physSystem, *initStrom);
+    sicherung = new Sicherung();
+    sicherung->datei = datei;
+    sicherung->alleSchritte = schritte;
+    sicherung->alleSekunden = minuten * 60.0;
+    sicherung->haltNach = haltNach;
+    sicherung->quelle = quelle;
+    if (dateiGenannt)
+        sicherung->weiterBefehl += " --sicherung '" + datei + "'";
+    if (!Sicherung::pruefsumme(parameterDatei, sicherung->parameterPruefsumme) ||
+        !Sicherung::pruefsumme(teilchenDatei, sicherung->scheibenPruefsumme)) {
+        std::cerr << "akkstrom: Parameterdatei oder Anfangsscheibe lassen sich f\xfcr die "
+                     "Sicherung nicht lesen\n";
+        return 1;
+    }
+    if (weiter) {
+        const std::string fehler = sicherung->lies(*odeint, *scheibe);
+        if (!fehler.empty()) {
+            std::cerr << "akkstrom: " << fehler << "; nichts gerechnet\n";
+            return 1;
+        }
+    }
     const std::string fehler = quelle->pruefe(odeint->outputtime);
     if (!fehler.empty()) {
         std::cout << fehler << '\n';
@@ -59,10 +151,17 @@ int StromConsole::run(int argc, char** argv) {
     } else {
         scheibe->set_update(quelle);
     }
-    odeint->odeint(*scheibe, *physSystem, *kraefte);
+    Sicherung::fangeSignale();
+    odeint->zwischenhalt = sicherung;
+    if (weiter)
+        odeint->fortsetzen(*scheibe, *physSystem, *kraefte);
+    else
+        odeint->odeint(*scheibe, *physSystem, *kraefte);
     if (anzeige) {
         std::cout.flush(); // the driver's lines before the last progress line
         anzeige->abschluss();
     }
+    if (sicherung->angehalten)
+        return sicherung->signal != 0 ? 128 + sicherung->signal : 3;
     return 0;
 }

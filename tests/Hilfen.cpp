@@ -41,9 +41,10 @@ Lauf starte(const fs::path& ordner, const std::string& vor) {
     return starte(ordner, vor, AKK_PROGRAMM);
 }
 
-Lauf starte(const fs::path& ordner, const std::string& vor, const std::string& programm) {
-    std::string befehl = "cd '" + ordner.string() + "' && " + vor + "'" + programm +
-                         "' >stdout.txt 2>stderr.txt </dev/null";
+Lauf starte(const fs::path& ordner, const std::string& vor, const std::string& programm,
+            const std::string& argumente) {
+    std::string befehl = "cd '" + ordner.string() + "' && " + vor + "'" + programm + "' " +
+                         argumente + " >stdout.txt 2>stderr.txt </dev/null";
     int roh = std::system(befehl.c_str());
     Lauf l;
     l.status = WIFEXITED(roh) ? WEXITSTATUS(roh) : -1;

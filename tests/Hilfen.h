@@ -54,9 +54,10 @@ struct Lauf {
 // ordner/data/OYCar.parameter and ordner/data/Akk-OYCar-0). `vor` is shell
 // text put before the program, e.g. "ulimit -v 1000000 && timeout 60 ".
 Lauf starte(const std::filesystem::path& ordner, const std::string& vor = "");
-// The same for another of the project's executables, given by its path.
+// The same for another of the project's executables, given by its path;
+// `argumente` is shell text put after the program.
 Lauf starte(const std::filesystem::path& ordner, const std::string& vor,
-            const std::string& programm);
+            const std::string& programm, const std::string& argumente = "");
 
 // A parameter file with every key of a test-particle run around the default
 // binary; `zusatz` is appended (forces, switches, overrides: the last

@@ -25,9 +25,7 @@ const std::string ohneWW = "Stromgeschwindigkeit 7e-6 Stromstreuung 7e-7 Stromab
 
 hilfen::Lauf akkstrom(const fs::path& ordner, const std::string& vor = "",
                       const std::string& optionen = "") {
-    // The helper quotes the program; the options follow it as words of their own.
-    return hilfen::starte(ordner, vor,
-                          optionen.empty() ? AKK_STROM : AKK_STROM + std::string("' '") + optionen);
+    return hilfen::starte(ordner, vor, AKK_STROM, optionen);
 }
 
 // The particle lines of a snapshot, six numbers each.
@@ -220,7 +218,9 @@ TEST(Akkstrom, FortschrittAufStandardfehlerLaesstStandardausgabeUnberuehrt) {
     const hilfen::Lauf f = akkstrom(falsch.pfad(), "", "--fortschrit");
     EXPECT_EQ(f.status, 2);
     EXPECT_EQ(f.out, "");
-    EXPECT_EQ(f.err, "akkstrom: unbekannte Option '--fortschrit' (bekannt: --fortschritt)\n");
+    EXPECT_EQ(f.err, "akkstrom: unbekannte Option '--fortschrit' (bekannt: --fortschritt, --weiter, "
+                     "--sicherung DATEI, --sicherung-schritte N, --sicherung-minuten M, "
+                     "--halt-nach N)\n");
     EXPECT_EQ(dateien(falsch.pfad() / "data"), 2u);
 }
 

@@ -317,7 +317,8 @@ bool Sicherung::anhalten(Odeint& odeint, AkkScheibe& scheibe) {
     if (letzteZeit < 0)
         letzteZeit = jetzt;
     signal = empfangen;
-    const bool halt = signal != 0 || (haltNach > 0 && schritt >= haltNach);
+    ++schritteHier;
+    const bool halt = signal != 0 || (haltNach > 0 && schritteHier >= haltNach);
     const bool faellig = halt || (alleSchritte > 0 && schritt % alleSchritte == 0) ||
                          (alleSekunden > 0 && jetzt - letzteZeit >= alleSekunden);
     if (faellig) {

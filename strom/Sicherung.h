@@ -24,13 +24,13 @@ class Stromquelle;
 //
 // As the driver's stop between steps it writes a checkpoint every so many
 // steps or wall-clock seconds, and on SIGINT or SIGTERM writes one and ends
-// the run; after a chosen step it also writes one and ends the run.
+// the run; after a chosen number of steps it also writes one and ends the run.
 class Sicherung : public Zwischenhalt {
 public:
     std::string datei;              // checkpoint file
     long long alleSchritte = 0;     // write after every that many steps (0: never)
     double alleSekunden = 0;        // write when that much wall time has passed since the last (0: never)
-    long long haltNach = 0;         // stop after this step with a checkpoint (0: never)
+    long long haltNach = 0;         // stop with a checkpoint after this many steps of this process (0: never)
     std::uint64_t parameterPruefsumme = 0; // fingerprint of the parameter file
     std::uint64_t scheibenPruefsumme = 0;  // fingerprint of the initial disc file
     Stromquelle* quelle = nullptr;  // the stream whose state goes with the disc; not owned
@@ -62,5 +62,6 @@ public:
     static bool pruefsumme(const std::string& datei, std::uint64_t& summe);
 
 private:
-    double letzteZeit = -1; // wall clock of the last checkpoint (or of the first step), s
+    double letzteZeit = -1;     // wall clock of the last checkpoint (or of the first step), s
+    long long schritteHier = 0; // steps done by this process
 };

@@ -617,24 +617,13 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
                 (weit ? o.ausdehnung : streck ? o.zstreckung : glatt ? o.glaettung : o.dekaden) = x;
         }
     }
-    if (fehler.empty() && angaben.empty())
-        fehler = "no snapshot given";
-    if (fehler.empty() && o.film && o.ausgabe.empty())
+    if (fehler.empty() && !angaben.empty() && o.film && o.ausgabe.empty())
         fehler = "--film wants a folder for the frames: -o FOLDER";
-    if (!fehler.empty()) {
-        err << "scheibenbild: " << fehler << " (--help lists the options)\n";
-        return 2;
-    }
-
     std::unique_ptr<PhysSystem> phys;
     std::vector<std::string> dateien;
-    fehler = schnappschuss::leseBinaer(o.parameter, phys);
-    if (fehler.empty())
-        fehler = schnappschuss::sammle(angaben, dateien);
-    if (!fehler.empty()) {
-        err << "scheibenbild: " << fehler << '\n';
-        return 1;
-    }
+    if (const int status = schnappschuss::beginne("scheibenbild", fehler, o.parameter, angaben,
+                                                  phys, dateien, err))
+        return status;
     Lage lage = plane(*phys, o);
 
     // First pass: the times, for the order, and the largest column densities,

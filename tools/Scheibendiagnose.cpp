@@ -189,22 +189,11 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
             parameter = o.wert;
         }
     }
-    if (fehler.empty() && angaben.empty())
-        fehler = "no snapshot given";
-    if (!fehler.empty()) {
-        err << "scheibendiagnose: " << fehler << " (--help lists the options)\n";
-        return 2;
-    }
-
     std::unique_ptr<PhysSystem> phys;
     std::vector<std::string> dateien;
-    fehler = schnappschuss::leseBinaer(parameter, phys);
-    if (fehler.empty())
-        fehler = schnappschuss::sammle(angaben, dateien);
-    if (!fehler.empty()) {
-        err << "scheibendiagnose: " << fehler << '\n';
-        return 1;
-    }
+    if (const int status = schnappschuss::beginne("scheibendiagnose", fehler, parameter, angaben,
+                                                  phys, dateien, err))
+        return status;
 
     const double breite = phys->rMax / anzahlRinge;
     std::vector<Zeile> zeilen;

@@ -159,25 +159,17 @@ int programm(const std::vector<std::string>& argumente, std::ostream& out, std::
                      " name";
         (o.name == "-p" || o.name == "--parameter" ? parameter : ordner) = o.wert;
     }
-    if (fehler.empty() && angaben.empty())
-        fehler = "no snapshot given";
-    if (!fehler.empty()) {
-        err << "scheibensplash: " << fehler << " (--help lists the options)\n";
-        return 2;
-    }
-
     std::unique_ptr<PhysSystem> phys;
     std::vector<std::string> dateien;
-    fehler = schnappschuss::leseBinaer(parameter, phys);
-    if (fehler.empty() && !(phys->h > 0 && std::isfinite(phys->h)))
-        fehler = "the parameter file " + parameter +
-                 " gives no Smoothinglength above 0, which the SPH density needs";
-    if (fehler.empty())
-        fehler = schnappschuss::sammle(angaben, dateien);
-    if (!fehler.empty()) {
-        err << "scheibensplash: " << fehler << '\n';
-        return 1;
-    }
+    auto mitGlaettung = [&](const PhysSystem& p) -> std::string {
+        if (p.h > 0 && std::isfinite(p.h))
+            return "";
+        return "the parameter file " + parameter +
+               " gives no Smoothinglength above 0, which the SPH density needs";
+    };
+    if (const int status = schnappschuss::beginne("scheibensplash", fehler, parameter, angaben,
+                                                  phys, dateien, err, mitGlaettung))
+        return status;
     // The density is defined with the cubic spline, the simulator's kernel.
     InitPhysSystem init(parameter.c_str(), parameter.c_str());
     Kernel1 kernel(init);

@@ -199,4 +199,26 @@ bool alsReal(const std::string& text, double& wert) {
     return true;
 }
 
+int beginne(const std::string& programm, std::string fehler, const std::string& parameter,
+            const std::vector<std::string>& angaben, std::unique_ptr<PhysSystem>& phys,
+            std::vector<std::string>& dateien, std::ostream& err,
+            const std::function<std::string(const PhysSystem&)>& pruefe) {
+    if (fehler.empty() && angaben.empty())
+        fehler = "no snapshot given";
+    if (!fehler.empty()) {
+        err << programm << ": " << fehler << " (--help lists the options)\n";
+        return 2;
+    }
+    fehler = leseBinaer(parameter, phys);
+    if (fehler.empty() && pruefe)
+        fehler = pruefe(*phys);
+    if (fehler.empty())
+        fehler = sammle(angaben, dateien);
+    if (!fehler.empty()) {
+        err << programm << ": " << fehler << '\n';
+        return 1;
+    }
+    return 0;
+}
+
 } // namespace schnappschuss

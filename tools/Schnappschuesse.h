@@ -70,6 +70,16 @@ std::string zerlege(const std::vector<std::string>& argumente,
                     const std::vector<std::string>& schalter, std::vector<Argument>& optionen,
                     std::vector<std::string>& dateien);
 
+// The common start of the tools once their options are read: a usage fault
+// `fehler` (exit status 2, with a hint to --help), else the binary from the
+// parameter file, a check of it by `pruefe` (a message or ""), and the
+// snapshot files (exit status 1 when any of them fails). Messages go to
+// `err`, prefixed with the program's name. 0 when all is ready.
+int beginne(const std::string& programm, std::string fehler, const std::string& parameter,
+            const std::vector<std::string>& angaben, std::unique_ptr<PhysSystem>& phys,
+            std::vector<std::string>& dateien, std::ostream& err,
+            const std::function<std::string(const PhysSystem&)>& pruefe = {});
+
 // A finite number, or false.
 bool alsReal(const std::string& text, double& wert);
 

@@ -56,7 +56,10 @@ int StromConsole::run(int argc, char** argv) {
     std::string datei = ordnerVon(teilchenDatei) + "/akkstrom.sicherung";
     bool dateiGenannt = false;
     long long schritte = 0, haltNach = 0;
-    double minuten = 0;
+    // A checkpoint every half hour by default: a run killed without warning
+    // (power, memory) loses at most that.
+    double minuten = 30;
+    bool minutenGenannt = false;
     for (int i = 1; i < argc; ++i) {
         const std::string o = argv[i];
         const bool mitWert = o == "--sicherung" || o == "--sicherung-schritte" ||
@@ -88,9 +91,10 @@ int StromConsole::run(int argc, char** argv) {
         } else if (o == "--sicherung-minuten") {
             char* ende = nullptr;
             minuten = std::strtod(wert, &ende);
-            if (ende == wert || *ende != '\0' || !(minuten > 0) || !std::isfinite(minuten)) {
-                std::cerr << "akkstrom: Option --sicherung-minuten braucht eine Zahl gr\xf6\xdf"
-                             "er als 0, nicht '" << wert << "'\n";
+            minutenGenannt = true;
+            if (ende == wert || *ende != '\0' || !(minuten >= 0) || !std::isfinite(minuten)) {
+                std::cerr << "akkstrom: Option --sicherung-minuten braucht eine Zahl ab 0 (0: "
+                             "keine), nicht '" << wert << "'\n";
                 return 2;
             }
         } else if (!positiv(wert, o == "--halt-nach" ? haltNach : schritte)) {
@@ -109,7 +113,7 @@ int StromConsole::run(int argc, char** argv) {
     }
     // Checkpoints that were asked for must have a place to go before hours
     // of computing depend on them.
-    if ((schritte > 0 || minuten > 0 || haltNach > 0) &&
+    if ((schritte > 0 || (minutenGenannt && minuten > 0) || haltNach > 0) &&
         ::access(ordnerVon(datei).c_str(), W_OK) != 0) {
         std::cerr << "akkstrom: in den Ordner der Sicherung '" << datei
                   << "' l\xe4sst sich nicht schreiben: " << std::strerror(errno) << '\n';

@@ -253,7 +253,7 @@ TEST(Sicherung, FremdeOderBeschaedigteSicherungWirdAbgelehnt) {
         {"--sicherung-schritte 2x",
          "akkstrom: Option --sicherung-schritte braucht eine ganze Zahl ab 1, nicht '2x'\n", 2},
         {"--sicherung-minuten -1",
-         "akkstrom: Option --sicherung-minuten braucht eine Zahl gr\xf6\xdf" "er als 0, nicht '-1'\n", 2},
+         "akkstrom: Option --sicherung-minuten braucht eine Zahl ab 0 (0: keine), nicht '-1'\n", 2},
         {"--sicherung", "akkstrom: Option --sicherung ohne Wert\n", 2},
         {"--halt-nach 1 --sicherung fehlt/s",
          "akkstrom: in den Ordner der Sicherung 'fehlt/s' l\xe4sst sich nicht schreiben: No such "

@@ -137,6 +137,15 @@ TEST(Sicherung, RegelmaessigeSicherungenStoerenDenLaufNicht) {
     const hilfen::Lauf c = akkstrom(mit.pfad(), "--weiter --sicherung data/s");
     ASSERT_EQ(c.status, 0);
     EXPECT_EQ(c.out, a.out.substr(a.out.find("\n", a.out.find("step: 15 ")) + 1));
+
+    // By wall time: every 6 microseconds is after every step; 0 is never.
+    for (const char* minuten : {"0.0000001", "0"}) {
+        hilfen::TempOrdner o;
+        gas(o.pfad());
+        const hilfen::Lauf l = akkstrom(o.pfad(), std::string("--sicherung-minuten ") + minuten);
+        EXPECT_EQ(l.out, a.out);
+        EXPECT_EQ(hilfen::existiert(o.datei("data/akkstrom.sicherung")), minuten[1] == '.');
+    }
 }
 
 TEST(Sicherung, SignalWaehrendEinSchnappschussGeschriebenWird) {

@@ -1,5 +1,6 @@
-// Whole runs on faulty input files: every fault is reported or passed over,
-// the run goes on as far as it can, and the program ends with status 0.
+// Whole runs on faulty or missing input files and settings that end a run
+// early: every fault is reported or passed over, the run goes on as far as it
+// can, and the program ends with status 0.
 
 #include "tests/Hilfen.h"
 
@@ -49,8 +50,9 @@ std::string entfernt(const std::string& i, const std::string& von, const std::st
 
 TEST(SchlechteEingaben, WerdenGemeldetOderUebergangenUndDerLaufGehtWeiter) {
     const std::string param = hilfen::parameter("");
-    std::string ohneKern = param;
+    std::string ohneKern = param, ohneIntegrator = param;
     ohneKern.erase(ohneKern.find("Kern1\n"), 6);
+    ohneIntegrator.erase(ohneIntegrator.find("RungeKutta\n"), 11);
     const std::string zwei = ein("0.2") + ein("0.3"), zweiAus = aus("0.2") + aus("0.3");
     const std::string keinKern = "Kein Kernel initialisiert !\n\n";
     const struct {
@@ -68,8 +70,24 @@ TEST(SchlechteEingaben, WerdenGemeldetOderUebergangenUndDerLaufGehtWeiter) {
          "error: unable to open parameter file in InitRechteSeiteDG!\n"
          "error: unable to open init file in AkkScheibe!\n",
          keinKern + "Kein Odeint initialisiert !\n\n", 0, std::nullopt},
+        {"Scheibe fehlt", param, std::nullopt,
+         "error: unable to open teilchenfile in InitPhysSystem!\n"
+         "error: unable to open init file in AkkScheibe!\n",
+         lauf(0), 3, std::nullopt},
         {"beide leer", "", "", "", keinKern + "Kein Odeint initialisiert !\n\n", 2, std::nullopt},
         {"Scheibe leer", param, "", "", lauf(0), 4, am_ende("0", "")},
+        {"ohne Integrator", ohneIntegrator, "", "", "Kein Odeint initialisiert !\n\n", 2,
+         std::nullopt},
+        {"keine Ausgaben", param + "Outputfiles 0\n", "", "",
+         "Odeint: Fehler: Outputfiles muss mindestens 1 sein !\n", 2, std::nullopt},
+        {"keine Schritte", param + "MaxSchritte 0\n", "", "", "", 2, std::nullopt},
+        // Steps from 50 are 45 and 40: the first step of 5 is clipped to -5, the
+        // next is 5 * -5; clipping looks only forward, so it runs past 40 to 20,
+        // where the output test takes it as the last output.
+        {"Anfang nach Ende", param, scheibe("Zeit 50", ""), "",
+         "Odeint: Fehler: Anfangszeitpunkt ist gr\xf6\xdf" "er als Endzeitpunkt der Simulation !\n"
+         "step: 1 akk.t: 45\nstep: 2 akk.t: 20\nremove_count :0\n",
+         4, std::nullopt},
         // A value that does not parse ends the reader's scan: the later key is not read.
         {"int-Wert", param + "Outputfiles zwei\nOutputfiles 1\n", scheibe("Teilchenanzahl 2", zwei),
          "", lauf(0), 4, am_ende("2", zweiAus)},
@@ -123,11 +141,7 @@ TEST(SchlechteEingaben, WerdenGemeldetOderUebergangenUndDerLaufGehtWeiter) {
     for (const auto& f : faelle) {
         SCOPED_TRACE(f.fall);
         hilfen::TempOrdner o;
-        fs::create_directories(o.pfad() / "data");
-        if (f.param)
-            hilfen::schreibe(o.datei("data/OYCar.parameter"), *f.param);
-        if (f.scheibe)
-            hilfen::schreibe(o.datei("data/Akk-OYCar-0"), *f.scheibe);
+        hilfen::eingaben(o, f.param, f.scheibe);
         if (f.ordner20)
             fs::create_directory(o.pfad() / "data/Akk-OYCar-20");
         // A reader that never stops (end of file inside a line) fails with 124.
@@ -136,7 +150,7 @@ TEST(SchlechteEingaben, WerdenGemeldetOderUebergangenUndDerLaufGehtWeiter) {
         EXPECT_EQ(l.err, f.err);
         EXPECT_EQ(l.out, f.out);
         EXPECT_EQ(l.status, 0);
-        EXPECT_EQ(std::distance(fs::directory_iterator(o.pfad() / "data"), {}), f.dateien);
+        EXPECT_EQ(hilfen::anzahl(o.pfad() / "data"), f.dateien);
         if (f.ende) {
             EXPECT_EQ(hilfen::lies(o.datei("data/Akk-OYCar-40")), *f.ende);
         }

@@ -49,19 +49,4 @@ TEST(Leser, Suchregeln) {
               std::make_tuple(3.0, -1, 1e-16));
 }
 
-TEST(Leser, NichtLesbareDateienMeldenUndLassenAllesUnberuehrt) {
-    Dateien f;
-    const std::string fehlt = f.datei("fehlt");
-    hilfen::Mitschnitt err(std::cerr);
-    InitOdeint io(fehlt.c_str());
-    InitPhysSystem ps(fehlt.c_str(), fehlt.c_str());
-    InitRechteSeiteDG rs(fehlt.c_str());
-    EXPECT_EQ(err.text(), "error: unable to open parameter file in InitOdeint!\n"
-                          "error: unable to open parameterfile in InitPhysSystem!\n"
-                          "error: unable to open teilchenfile in InitPhysSystem!\n"
-                          "error: unable to open parameter file in InitRechteSeiteDG!\n");
-    EXPECT_EQ(std::make_tuple(io.Outputtime, io.odeintArt, ps.Teilchenmasse, rs.kraefte().size()),
-              std::make_tuple(0.0, -1, 0.0, 0u));
-}
-
 } // namespace

@@ -170,7 +170,7 @@ TEST(Akkstrom, SchlechteStromschluesselUndOptionenBeendenDenLaufVorDemErstenSchr
         std::string out, err; // out: its first line only when the keys are missing
         int status;
     } faelle[] = {
-        // Each missing key has its line (InitStromTest has them all).
+        // Each missing key has its line (StromquelleTest has them all).
         {std::nullopt, "",
          f + "Stromrate fehlt (Massenrate durch L1, Sonnenmassen pro Sekunde) !\n",
          "error: unable to open parameter file in InitStrom!\n", 1},

@@ -1,9 +1,8 @@
-// Whole runs on small inputs. Every combination of forces runs with the disc
-// class it needs. On faulty or missing input files and settings that end a
-// run early every fault is reported or passed over, the run goes on as far as
-// it can, and the program ends with status 0. (More than the lines hold, comment
+// Whole runs on faulty or missing input files and settings that end a run
+// early: every fault is reported or passed over, the run goes on as far as it
+// can, and the program ends with status 0. (More than the lines hold, comment
 // words, integers written as reals and removals at both radii are reference
-// runs in tests/data/beispiele.)
+// runs in tests/data/beispiele, as are the combinations of forces.)
 
 #include "tests/Hilfen.h"
 
@@ -145,44 +144,6 @@ TEST(SchlechteEingaben, WerdenGemeldetOderUebergangenUndDerLaufGehtWeiter) {
         if (f.ende) {
             EXPECT_EQ(hilfen::lies(o.datei("data/Akk-OYCar-40")), *f.ende);
         }
-    }
-}
-
-int zaehle(const std::string& text, const std::string& wort) {
-    int n = 0;
-    for (auto p = text.find(wort); p != std::string::npos; p = text.find(wort, p + 1))
-        ++n;
-    return n;
-}
-
-TEST(KraftKombinationen, JedeKombinationLaeuftMitIhrerScheibe) {
-    struct Fall {
-        const char* kraefte;
-        bool sph; // the disc works with pairs and prints their count
-    };
-    // The 150-particle gas disc of the reference runs.
-    const std::string scheibe = hilfen::lies(
-        std::string(AKK_TESTDATEN) + "/beispiele/f05_extern_pressure_artvisc/data/Akk-OYCar-0");
-    for (Fall f : {Fall{"", false}, Fall{"Externforce", false}, Fall{"Pressure", true},
-                   Fall{"Artvisc", true}, Fall{"Physvisc", true}, Fall{"Pressure Pressure", true},
-                   Fall{"Physvisc Externforce Physvisc", true},
-                   Fall{"Externforce Pressure Artvisc Physvisc", true}}) {
-        // Two steps, the end time far away.
-        hilfen::TempOrdner o;
-        hilfen::eingaben(
-            o, hilfen::parameter(std::string(f.kraefte) + "\nMaxSchritte 2\nOutputtime 1e9\n"),
-            scheibe);
-        const hilfen::Lauf l = hilfen::starte(o.pfad());
-        EXPECT_EQ(l.status, 0) << f.kraefte;
-        EXPECT_EQ(l.err, "") << f.kraefte;
-        EXPECT_EQ(zaehle(l.out, "step: "), 2) << f.kraefte;
-        // One pair count per evaluation: the driver's one per step plus five
-        // per try of the stepper.
-        int paarzeilen = zaehle(l.out, "Anzahl WWPartnern: ");
-        if (f.sph)
-            EXPECT_TRUE(paarzeilen >= 12 && (paarzeilen - 2) % 5 == 0) << f.kraefte << paarzeilen;
-        else
-            EXPECT_EQ(paarzeilen, 0) << f.kraefte;
     }
 }
 

@@ -37,6 +37,19 @@ std::string lies(const std::string& datei) {
 
 bool existiert(const std::string& datei) { return fs::exists(datei); }
 
+long anzahl(const fs::path& ordner) {
+    return std::distance(fs::directory_iterator(ordner), fs::directory_iterator());
+}
+
+void eingaben(const TempOrdner& ordner, const std::optional<std::string>& param,
+              const std::optional<std::string>& scheibe) {
+    fs::create_directories(ordner.pfad() / "data");
+    if (param)
+        schreibe(ordner.datei("data/OYCar.parameter"), *param);
+    if (scheibe)
+        schreibe(ordner.datei("data/Akk-OYCar-0"), *scheibe);
+}
+
 Lauf starte(const fs::path& ordner, const std::string& vor) {
     return starte(ordner, vor, AKK_PROGRAMM);
 }

@@ -1,9 +1,16 @@
 #pragma once
 // Helpers shared by the tests: scratch folders, whole-file reading and
-// writing, capture of the console streams, and runs of the executable.
+// writing, capture of the console streams, runs of the executables, and the
+// default binary read from files.
+
+#include "init/InitAkkScheibe.h"
+#include "init/InitPhysSystem.h"
+#include "physik/Kernel1.h"
+#include "physik/PhysSystem.h"
 
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <string>
 
@@ -27,6 +34,8 @@ private:
 void schreibe(const std::string& datei, const std::string& inhalt);
 std::string lies(const std::string& datei);
 bool existiert(const std::string& datei);
+// Number of entries in a folder.
+long anzahl(const std::filesystem::path& ordner);
 
 // Redirects a stream into a string for the object's life.
 class Mitschnitt {
@@ -63,5 +72,29 @@ Lauf starte(const std::filesystem::path& ordner, const std::string& vor,
 // binary; `zusatz` is appended (forces, switches, overrides: the last
 // occurrence of a key wins).
 std::string parameter(const std::string& zusatz);
+
+// The input files of a run in ordner/data (created): parameter file and
+// initial disc, each left out when nullopt.
+void eingaben(const TempOrdner& ordner, const std::optional<std::string>& param,
+              const std::optional<std::string>& scheibe);
+
+// A parameter file parameter(zusatz) and a disc file in a scratch folder.
+struct Dateien : TempOrdner {
+    std::string param = datei("p"), disc = datei("Akk-0");
+    explicit Dateien(const std::string& zusatz = "",
+                     const std::string& scheibe = "Teilchenanzahl 0 Teilchendaten:\n") {
+        schreibe(param, parameter(zusatz));
+        schreibe(disc, scheibe);
+    }
+};
+
+// The binary with its kernel, and the disc reader, on those files.
+struct Aufbau : Dateien {
+    InitPhysSystem ip{param.c_str(), disc.c_str()};
+    Kernel1 kernel{ip};
+    PhysSystem phys{ip, &kernel};
+    InitAkkScheibe ia{param.c_str(), disc.c_str()};
+    using Dateien::Dateien;
+};
 
 } // namespace hilfen

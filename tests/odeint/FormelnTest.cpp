@@ -5,21 +5,11 @@
 // then + z*z; 0.01 * (h*h); h * (b * k) added in order), so a regrouped sum
 // or a reordered product in the optimised code shows up here even where a
 // whole run, rounded to six digits, would not show it. The pairs of a
-// particle are taken from the pair list itself, in its order.
+// particle are taken from the pair list itself, in its order: on three
+// threads this also checks that every particle sums exactly its pairs, in
+// pair-list order, however the pair search was split.
 
-#include "init/InitAkkScheibe.h"
-#include "init/InitOdeint.h"
-#include "init/InitPhysSystem.h"
-#include "kraefte/Artvisc.h"
-#include "kraefte/Externforce.h"
-#include "kraefte/Kraefte.h"
-#include "kraefte/Physvisc.h"
-#include "kraefte/Pressure.h"
 #include "odeint/RungeKutta.h"
-#include "physik/Kernel1.h"
-#include "physik/PhysSystem.h"
-#include "scheibe/PhysviscAkkScheibe.h"
-#include "tests/Hilfen.h"
 #include "tests/odeint/Zufallsscheibe.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +17,7 @@
 #include <cmath>
 #include <cstring>
 #include <map>
-#include <omp.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -55,42 +45,14 @@ double kern(double h, double r, double v[3]) {
     return 2 * (((1 - q) * (1 - q)) * (1 - q));
 }
 
-struct Lauf {
-    hilfen::TempOrdner ordner;
-    std::string p = ordner.datei("p"), d = ordner.datei("Akk-0");
-    bool geschrieben = [&] {
-        hilfen::schreibe(p, hilfen::parameter("Anfangsschrittweite 20 Viskositaet 3e-7 Smoothinglength 0.0237"));
-        hilfen::schreibe(d, hilfen::zufallsscheibe(11));
-        return true;
-    }();
-    InitPhysSystem ip{p.c_str(), d.c_str()};
-    Kernel1 kernel{ip};
-    PhysSystem phys{ip, &kernel};
-    InitAkkScheibe ia{p.c_str(), d.c_str()};
-    InitOdeint io{p.c_str()};
-    PhysviscAkkScheibe s{ia, phys};
-    Kraefte k;
-    Lauf() {
-        k.add(new Externforce);
-        k.add(new Pressure);
-        k.add(new Artvisc);
-        k.add(new Physvisc);
-    }
-};
-
-class Formeln : public ::testing::TestWithParam<int> {
-protected:
-    void SetUp() override {
-        vorher = omp_get_max_threads();
-        omp_set_num_threads(GetParam());
-    }
-    void TearDown() override { omp_set_num_threads(vorher); }
-    int vorher = 1;
+// The random disc with h = 0.0237 (some 30 000 pairs) on GetParam() threads.
+struct Formeln : ::testing::TestWithParam<int> {
+    hilfen::Fadenzahl faeden{GetParam()};
+    hilfen::Zufallslauf l{"Anfangsschrittweite 20 Viskositaet 3e-7 Smoothinglength 0.0237", 11};
+    hilfen::Mitschnitt still{std::cout};
 };
 
 TEST_P(Formeln, KraefteWieIhreDefinition) {
-    Lauf l;
-    hilfen::Mitschnitt still(std::cout);
     l.k.derivatives(l.s, l.phys);
     const PhysSystem& ph = l.phys;
     const double m = ph.mTeilchen, h = ph.h, fak = l.kernel.fak, dfak = l.kernel.dfak;
@@ -225,8 +187,6 @@ struct Mitschrift : RechteSeiteDG {
 };
 
 TEST_P(Formeln, StufenDesSchrittsWieIhreDefinition) {
-    Lauf l;
-    hilfen::Mitschnitt still(std::cout);
     RungeKutta rk(l.s, l.io);
     // Sized as stepper sizes them.
     rk.ytemp->odeint_init(l.s);
@@ -239,49 +199,49 @@ TEST_P(Formeln, StufenDesSchrittsWieIhreDefinition) {
     const double h = 7.5;
     rk.rkck(l.s, h, l.phys, m);
     ASSERT_EQ(m.stufen.size(), 5u);
+    // The tableau's rows as (coefficient, stage) terms, stage 0 being the
+    // start: stages 2 to 6, the fifth-order result, the error estimate.
+    const char* namen[] = {"ak2", "ak3", "ak4", "ak5", "ak6", "ytemp", "yerr"};
+    const std::vector<std::pair<double, int>> zeilen[] = {
+        {{rk.b21, 0}},
+        {{rk.b31, 0}, {rk.b32, 1}},
+        {{rk.b41, 0}, {rk.b42, 1}, {rk.b43, 2}},
+        {{rk.b51, 0}, {rk.b52, 1}, {rk.b53, 2}, {rk.b54, 3}},
+        {{rk.b61, 0}, {rk.b62, 1}, {rk.b63, 2}, {rk.b64, 3}, {rk.b65, 4}},
+        {{rk.c1, 0}, {rk.c3, 2}, {rk.c4, 3}, {rk.c6, 5}},
+        {{rk.dc1, 0}, {rk.dc3, 2}, {rk.dc4, 3}, {rk.dc5, 4}, {rk.dc6, 5}}};
+    const std::vector<RungeKutta::Ableitung>* gespeichert[] = {&rk.ak2, &rk.ak3, &rk.ak4,
+                                                                &rk.ak5, &rk.ak6};
     Vergleich v;
     for (int i = 0; i < l.s.tanz(); ++i) {
         const std::size_t j = std::size_t(i);
-        const Teilchen &y = l.s[i], &k2 = m.stufen[0][j], &k3 = m.stufen[1][j],
-                       &k4 = m.stufen[2][j], &k5 = m.stufen[3][j], &k6 = m.stufen[4][j],
-                       &yt = (*rk.ytemp)[i], &ye = rk.yerr[j];
+        const Teilchen* stufe[] = {&l.s[i],         &m.stufen[0][j], &m.stufen[1][j],
+                                   &m.stufen[2][j], &m.stufen[3][j], &m.stufen[4][j],
+                                   &(*rk.ytemp)[i], &rk.yerr[j]};
         // The derivatives kept are those of the stage states.
-        const std::vector<RungeKutta::Ableitung>* gespeichert[] = {&rk.ak2, &rk.ak3, &rk.ak4,
-                                                                    &rk.ak5, &rk.ak6};
         for (int st = 0; st < 5; ++st)
             for (int c = 0; c < 3; ++c) {
-                v((*gespeichert[st])[j].v[c], m.stufen[std::size_t(st)][j].v[c], "k.v", i);
-                v((*gespeichert[st])[j].a[c], m.stufen[std::size_t(st)][j].a[c], "k.a", i);
+                v((*gespeichert[st])[j].v[c], stufe[st + 1]->v[c], "k.v", i);
+                v((*gespeichert[st])[j].a[c], stufe[st + 1]->a[c], "k.a", i);
             }
-        // Position rows use the velocities, velocity rows the accelerations.
+        // Position rows use the velocities, velocity rows the accelerations;
+        // terms h * (b * k) are added in order to the start value (the error
+        // estimate has none).
         for (int zeile = 0; zeile < 2; ++zeile)
             for (int c = 0; c < 3; ++c) {
-                auto basis = [&](const Teilchen& x) { return zeile ? x.v[c] : x.r[c]; };
-                auto k = [&](const Teilchen& x) { return zeile ? x.a[c] : x.v[c]; };
-                const double b = basis(y);
-                v(basis(k2), b + h * (rk.b21 * k(y)), "ak2", i);
-                v(basis(k3), b + h * (rk.b31 * k(y)) + h * (rk.b32 * k(k2)), "ak3", i);
-                v(basis(k4), b + h * (rk.b41 * k(y)) + h * (rk.b42 * k(k2)) + h * (rk.b43 * k(k3)),
-                  "ak4", i);
-                v(basis(k5),
-                  b + h * (rk.b51 * k(y)) + h * (rk.b52 * k(k2)) + h * (rk.b53 * k(k3)) +
-                      h * (rk.b54 * k(k4)),
-                  "ak5", i);
-                v(basis(k6),
-                  b + h * (rk.b61 * k(y)) + h * (rk.b62 * k(k2)) + h * (rk.b63 * k(k3)) +
-                      h * (rk.b64 * k(k4)) + h * (rk.b65 * k(k5)),
-                  "ak6", i);
-                v(basis(yt),
-                  b + h * (rk.c1 * k(y)) + h * (rk.c3 * k(k3)) + h * (rk.c4 * k(k4)) +
-                      h * (rk.c6 * k(k6)),
-                  "ytemp", i);
-                v(basis(ye),
-                  h * (rk.dc1 * k(y)) + h * (rk.dc3 * k(k3)) + h * (rk.dc4 * k(k4)) +
-                      h * (rk.dc5 * k(k5)) + h * (rk.dc6 * k(k6)),
-                  "yerr", i);
+                auto basis = [&](const Teilchen* x) { return zeile ? x->v[c] : x->r[c]; };
+                auto k = [&](int st) { return zeile ? stufe[st]->a[c] : stufe[st]->v[c]; };
+                for (int z = 0; z < 7; ++z) {
+                    const auto& t = zeilen[z];
+                    const double erster = h * (t[0].first * k(t[0].second));
+                    double soll = z < 6 ? basis(stufe[0]) + erster : erster;
+                    for (std::size_t e = 1; e < t.size(); ++e)
+                        soll = soll + h * (t[e].first * k(t[e].second));
+                    v(basis(stufe[z + 1]), soll, namen[z], i);
+                }
             }
         for (int c = 0; c < 3; ++c)
-            v(yt.a[c], y.a[c], "ytemp.a", i);
+            v(stufe[6]->a[c], stufe[0]->a[c], "ytemp.a", i);
     }
     EXPECT_GT(v.pruefungen, 100000);
     EXPECT_EQ(v.fehler, 0) << "of " << v.pruefungen << " doubles";

@@ -1,7 +1,18 @@
 #pragma once
-// A random gas disc around the default binary's primary, as snapshot text.
+// A random gas disc around the default binary's primary, as snapshot text and
+// as a viscous gas disc under all four forces; a thread count for a scope.
+
+#include "init/InitOdeint.h"
+#include "kraefte/Artvisc.h"
+#include "kraefte/Externforce.h"
+#include "kraefte/Kraefte.h"
+#include "kraefte/Physvisc.h"
+#include "kraefte/Pressure.h"
+#include "scheibe/PhysviscAkkScheibe.h"
+#include "tests/Hilfen.h"
 
 #include <cmath>
+#include <omp.h>
 #include <random>
 #include <sstream>
 #include <string>
@@ -31,5 +42,25 @@ inline std::string zufallsscheibe(unsigned seed) {
     }
     return f.str();
 }
+
+// zufallsscheibe(seed) read as a viscous gas disc, with the four forces.
+struct Zufallslauf : Aufbau {
+    InitOdeint io{param.c_str()};
+    PhysviscAkkScheibe s{ia, phys};
+    Kraefte k;
+    Zufallslauf(const std::string& zusatz, unsigned seed) : Aufbau(zusatz, zufallsscheibe(seed)) {
+        k.add(new Externforce);
+        k.add(new Pressure);
+        k.add(new Artvisc);
+        k.add(new Physvisc);
+    }
+};
+
+// OpenMP's thread count for the object's life.
+struct Fadenzahl {
+    const int vorher = omp_get_max_threads();
+    explicit Fadenzahl(int n) { omp_set_num_threads(n); }
+    ~Fadenzahl() { omp_set_num_threads(vorher); }
+};
 
 } // namespace hilfen

@@ -1,14 +1,24 @@
-// The plain disc: ordered removal, scratch shaping, the reader's edge cases.
+// The discs: the reader's header, snapshot names, a snapshot that cannot be
+// written whole; the cell-grid pair search of the SPH discs against brute
+// force, and what a pair or a disc does with a particle or disc not its own.
+// The reader's faults and ordered removal are checked by whole runs
+// (tests/simulation), the pair formulas bit for bit in
+// tests/odeint/FormelnTest.cpp.
 
-#include "init/InitAkkScheibe.h"
-#include "init/InitPhysSystem.h"
-#include "physik/PhysSystem.h"
+#include "scheibe/PhysviscAkkScheibe.h"
 #include "scheibe/ScheibenTemplates.h"
 #include "tests/Hilfen.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <memory>
+#include <random>
+#include <set>
+#include <tuple>
+#include <typeinfo>
+#include <utility>
 
 namespace {
 
@@ -18,65 +28,25 @@ PhysSystem physik() {
     return PhysSystem(ip, nullptr);
 }
 
-// Reads `text` as a disc file; returns the disc and what it printed.
-std::pair<AkkScheibe, std::string> liesText(const std::string& text) {
+TEST(Schnappschuss, KopfInBeliebigerReihenfolge) {
+    // Time before count, an unknown entry; fewer particles wanted than lines.
     hilfen::TempOrdner o;
-    hilfen::schreibe(o.datei("S-0"), text);
+    hilfen::schreibe(o.datei("S-0"), "Zeit 12.5 Farbe blau Teilchenanzahl 2\nTeilchendaten:\n"
+                                     "1 2 3 4 5 6\n7 8 9 10 11 12\n13 14 15 16 17 18\n");
     InitAkkScheibe init("", o.datei("S-0").c_str());
     PhysSystem p = physik();
     hilfen::Mitschnitt m(std::cout);
     AkkScheibe s(init, p);
-    return {s, m.text()};
-}
-
-TEST(AkkScheibe, EntfernenUndFormen) {
-    AkkScheibe s, kratz; // s: P0, P1, P2 at x = 0, 1, 2
-    s.teilchen.resize(3);
-    s[1].r[0] = 1;
-    s[2].r[0] = 2;
-    kratz.odeint_init(s);
-    EXPECT_EQ(kratz.tanz(), 3);
-    s.entferne_teilchen(0);
+    EXPECT_EQ(s.t(), 12.5);
     ASSERT_EQ(s.tanz(), 2);
-    EXPECT_EQ(s[0].r[0], 1);
-    kratz.odeint_init(s);
-    EXPECT_EQ(kratz.tanz(), 2);
-}
-
-TEST(Schnappschuss, Einlesen) {
-    const std::string daten = "Teilchendaten:\n1 2 3 4 5 6\n7 8 9 10 11 12\n13 14 15 16 17 18\n";
-    // Time before count, an unknown entry; room is not made for the count up front.
-    auto g = liesText("Zeit 12.5 Farbe blau Teilchenanzahl 2000000000\n" + daten);
-    EXPECT_EQ(g.first.t(), 12.5);
-    ASSERT_EQ(g.first.tanz(), 3);
-    EXPECT_EQ(g.second, "gew\xfcnschte Teilchenzahl 2000000000 ist gr\xf6\xdf"
-                        "er als vorhandene Teilchen !\nTeilchenanzahl wurde auf 3 gesetzt !\n");
-    EXPECT_EQ(liesText("Teilchenanzahl 2\n" + daten).first.tanz(), 2);
-    g = liesText("Teilchenanzahl -4\n" + daten);
-    EXPECT_EQ(g.first.tanz() + g.second.size(), 0u);
-    // No time entry, seven numbers on a line, a last line without a line end.
-    g = liesText("Teilchenanzahl 2\nTeilchendaten:\n1 2 3 4 5 6 99\n7 8 9 10 11 12");
-    EXPECT_EQ(g.first.t(), 0);
-    ASSERT_EQ(g.first.tanz(), 2);
-    EXPECT_EQ(g.first[1].v[2], 12);
-    EXPECT_EQ(g.second, "");
+    EXPECT_EQ(s[1].v[2], 12);
+    EXPECT_EQ(m.text(), "");
 }
 
 TEST(Schnappschuss, AusgabeNamen) {
     EXPECT_EQ(scheibe::ausgabeName("x-y/a-17", -3.7), "x-y/a--3"); // toward zero
     EXPECT_EQ(scheibe::ausgabeName("ohneStrich", 7), "7");
     EXPECT_EQ(scheibe::ausgabeName("a-1", std::nan("")), "a--2147483648");
-}
-
-TEST(Schnappschuss, NichtZuOeffnendeDateien) {
-    PhysSystem p = physik();
-    hilfen::Mitschnitt err(std::cerr);
-    InitAkkScheibe init("", "/nicht/vorhanden/S-0");
-    AkkScheibe s(init, p);
-    s.output(p);
-    EXPECT_EQ(s.tanz(), 0);
-    EXPECT_EQ(err.text(), "error: unable to open init file in AkkScheibe!\n"
-                          "error: unable to open output file!\n");
 }
 
 TEST(Schnappschuss, VolleAusgabeWirdGemeldet) {
@@ -90,6 +60,121 @@ TEST(Schnappschuss, VolleAusgabeWirdGemeldet) {
     hilfen::Mitschnitt err(std::cerr);
     s.output(p);
     EXPECT_EQ(err.text(), "error: unable to write output file!\n");
+}
+
+// The default binary with h = 0.02 (or the given smoothing length) and an
+// initially empty gas disc; the tests put their particles into it directly.
+struct Gasscheibe : hilfen::Aufbau {
+    explicit Gasscheibe(const std::string& zusatz = "") : Aufbau(zusatz) {}
+    PhysviscAkkScheibe s{ia, phys};
+    void force_init() {
+        hilfen::Mitschnitt still(std::cout);
+        s.force_init(phys);
+    }
+};
+
+int zelle(double x, double min, double h, int n) {
+    double c = std::ceil((x - min) / h);
+    return c < 0 ? 0 : c > n - 1 ? n - 1 : static_cast<int>(c);
+}
+
+TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
+    std::mt19937_64 zufall(7);
+    std::uniform_real_distribution<double> gleich(0, 1);
+    // h = 1e-4 makes some 7e10 cells: the grid keeps only the occupied ones.
+    // Clusters at the primary, and over the box's lower and upper corners in
+    // x and y, where the border planes (never home cells) hold particles.
+    for (auto [n, glaettung, ecke] :
+         {std::tuple{0, "", 0}, {1, "", 0}, {40, "", 0}, {600, "", 0}, {600, "", -1}, {600, "", 1},
+          {600, "Smoothinglength 1e-4", 0}, {600, "Smoothinglength 1e-4", 1}}) {
+        Gasscheibe g(glaettung);
+        const double h = g.s.h, f = h / 0.02;
+        const double mitte[3] = {ecke < 0   ? g.s.min[0]
+                                 : ecke > 0 ? g.s.max[0]
+                                            : g.phys.x1[0],
+                                 ecke < 0 ? g.s.min[1] : ecke > 0 ? g.s.max[1] : 0.0, 0.0};
+        EXPECT_EQ(g.s.gitter->dicht, f == 1);
+        const int nx = g.s.gitter->nx, ny = g.s.gitter->ny, nz = g.s.gitter->nz;
+        g.s.teilchen.resize(n);
+        for (int i = 0; i < n; ++i) {
+            auto& r = g.s.teilchen[i].r;
+            // A small cluster (so pairs are many) that reaches past the box
+            // in z; every fifth particle sits exactly on a cell boundary in x,
+            // every seventh at distance exactly h from its predecessor.
+            for (int k = 0; k < 3; ++k)
+                r[k] = mitte[k] + (gleich(zufall) - 0.5) * 0.12 * f;
+            if (i % 5 == 0)
+                r[0] = g.s.min[0] + h * std::floor((r[0] - g.s.min[0]) / h);
+            if (i % 7 == 6)
+                r = {g.s.teilchen[i - 1].r[0] + h, g.s.teilchen[i - 1].r[1],
+                     g.s.teilchen[i - 1].r[2]};
+        }
+        g.force_init();
+
+        // Two particles closer than h pair when the first of their cells in
+        // (i, j, k) order is a home cell; t1 is the one in the later cell, or
+        // the earlier index within one cell.
+        std::set<std::pair<int, int>> erwartet;
+        for (int p = 0; p < n; ++p)
+            for (int q = p + 1; q < n; ++q) {
+                auto &a = g.s.teilchen[p].r, &b = g.s.teilchen[q].r;
+                double s[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
+                if (!(s[0] * s[0] + s[1] * s[1] + s[2] * s[2] < g.s.h2))
+                    continue;
+                int za[3] = {zelle(a[0], g.s.min[0], h, nx), zelle(a[1], g.s.min[1], h, ny),
+                             zelle(a[2], g.s.min[2], h, nz)};
+                int zb[3] = {zelle(b[0], g.s.min[0], h, nx), zelle(b[1], g.s.min[1], h, ny),
+                             zelle(b[2], g.s.min[2], h, nz)};
+                bool bZuerst = std::lexicographical_compare(zb, zb + 3, za, za + 3);
+                const int* heim = bZuerst ? zb : za;
+                if (heim[0] < 1 || heim[0] > nx - 2 || heim[1] < 1 || heim[1] > ny - 2 ||
+                    heim[2] < 1 || heim[2] > nz - 2)
+                    continue;
+                bool gleicheZelle = std::equal(za, za + 3, zb);
+                erwartet.insert(gleicheZelle ? std::make_pair(p, q)
+                                : bZuerst    ? std::make_pair(p, q)
+                                             : std::make_pair(q, p));
+            }
+
+        std::set<std::pair<int, int>> gefunden;
+        PhysviscTeilchen* anfang = g.s.teilchen.data();
+        for (PhysviscWW& w : *g.s.ww) {
+            EXPECT_TRUE(gefunden.insert({int(w.pt1 - anfang), int(w.pt2 - anfang)}).second);
+            EXPECT_EQ(std::count(w.pt1->pvww.begin(), w.pt1->pvww.end(), &w), 1);
+            EXPECT_EQ(std::count(w.pt2->pvww.begin(), w.pt2->pvww.end(), &w), 1);
+        }
+        EXPECT_EQ(erwartet, gefunden) << n << " particles, corner " << ecke;
+        if (n == 600 && ecke == 0) {
+            EXPECT_GT(gefunden.size(), 1000u); // the test would be vacuous otherwise
+        }
+    }
+}
+
+TEST(SphFremd, PaarUndScheibeWeisenFremdesAb) {
+    Gasscheibe g;
+    g.s.teilchen.resize(2);
+    g.s.teilchen[1].r[0] = 0.01; // both near the origin, 0.01 = h/2 apart
+    g.force_init();
+    ASSERT_EQ(g.s.ww->size(), 1u);
+    PhysviscWW& w = g.s.ww->front();
+    // Each partner sees the gradient from its side; one that is neither gets
+    // zeros and a message.
+    EXPECT_EQ(w._dW_ohne_fak(w.pt1)[0], -w._dW_ohne_fak(w.pt2)[0]);
+    PhysviscTeilchen fremd;
+    hilfen::Mitschnitt aus(std::cout);
+    EXPECT_EQ(w._dW_ohne_fak(&fremd), (Vektor3{0, 0, 0}));
+    EXPECT_EQ(w.sigma(&fremd), Tensor6{});
+    EXPECT_EQ(aus.text(), "Angegebenes Teilchen geh\xf6rt nicht zu dieser WW !\n"
+                          "Angegebenes Teilchen geh\xf6rt nicht zu dieser PhysviscWW !\n");
+    // A step's result must be of the disc's own class; a copy shares grid and pairs.
+    AkkScheibe andere;
+    PressArtviscAkkScheibe gas;
+    EXPECT_THROW(g.s.odeint_assign(andere), std::bad_cast);
+    EXPECT_THROW(g.s.odeint_assign(gas), std::bad_cast);
+    const std::unique_ptr<AkkScheibe> kopie(g.s.clone());
+    AkkScheibe& k = *kopie;
+    EXPECT_EQ(typeid(k), typeid(PhysviscAkkScheibe));
+    EXPECT_EQ(static_cast<PhysviscAkkScheibe&>(k).ww, g.s.ww);
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 // Runs of akkstrom: without mass transfer it is akkscheibe byte for byte;
 // with it, particles appear behind L1 and leave at the removal radii like
-// any others; the shipped example is reproducible; bad stream keys stop the
-// run before its first step.
+// any others, and the progress shown on standard error leaves the output
+// alone; the shipped example is reproducible; bad stream keys and options
+// stop the run before its first step.
 
 #include "tests/Hilfen.h"
 
@@ -10,10 +11,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <regex>
 #include <sstream>
 #include <string>
-#include <tuple>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -22,6 +23,7 @@ namespace {
 
 const std::string ohneWW = "Stromgeschwindigkeit 7e-6 Stromstreuung 7e-7 Stromabstand 0.005 "
                            "Strombreite 0.006 Stromsaat 3\n";
+const std::string leer = "Teilchenanzahl 0\nZeit 0\nTeilchendaten:\n";
 
 hilfen::Lauf akkstrom(const fs::path& ordner, const std::string& vor = "",
                       const std::string& optionen = "") {
@@ -39,10 +41,6 @@ std::vector<std::vector<double>> teilchen(const std::string& datei) {
     while (ein >> z[0] >> z[1] >> z[2] >> z[3] >> z[4] >> z[5])
         zeilen.push_back(z);
     return zeilen;
-}
-
-std::size_t dateien(const fs::path& ordner) {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(ordner), {}));
 }
 
 TEST(Akkstrom, OhneMassenstromGleichtDenAufgezeichnetenLaeufenVonAkkscheibe) {
@@ -66,73 +64,58 @@ TEST(Akkstrom, OhneMassenstromGleichtDenAufgezeichnetenLaeufenVonAkkscheibe) {
     }
 }
 
-TEST(Akkstrom, EingespeisteTeilchenVerlassenDieScheibeAnDenEntfernungsradien) {
+TEST(Akkstrom, EingespeisteTeilchenVerlassenDieScheibeWieAndereUndDerFortschrittStoertNicht) {
     // No forces: the steps end at 5, 20 and 40 s (the error estimate is 0, so
     // each step is five times the last, clipped to the output times 20 and 40),
-    // and the particles fly straight on at c along the x axis. At 0.26 particles
-    // per second particle 0 is appended at 5 s, 1 to 4 at 20 s; particle k crossed
-    // x = xL1 + 0.01 = -0.368367 at (k + 1) / 0.26 s. The primary is at 0.056303;
-    // removal below eta^2 = 0.0025 and above rMax^2 = 0.228615.
-    struct Fall {
-        double c;                 // Stromgeschwindigkeit
-        std::string ablauf;       // stdout with each removed particle's abst_sqr as X
-        std::vector<double> abst; // those abst_sqr in order
-        std::size_t bei20;        // particles in the snapshot at 20 s
-        std::vector<double> x40;  // x of the particles in the snapshot at 40 s
-    };
-    // The removal line of the particle at index 0 of `von` particles.
-    auto weg = [](const std::string& von, const std::string& zeit) {
-        return " Entferne Teilchen : 0 von " + von + " Teilchen  zur Zeit: " + zeit +
-               " : 0.0025 < abst_sqr < 0.228615ist : X\n\n";
-    };
-    const Fall faelle[] = {
-        // c = 0.025: particle 0 is at 0.035479 at 20 s, inside eta; at 40 s
-        // particles 1 to 4 are at 0.439325, 0.343171, 0.247018 and 0.150864.
-        {0.025,
-         "step: 1 akk.t: 5\nstep: 2 akk.t: 20\n" + weg("1", "20") +
-             "step: 3 akk.t: 40\nremove_count :1\n",
-         {0.020824 * 0.020824},
-         0,
-         {0.439325, 0.343171, 0.247018, 0.150864}},
-        // c = 0.05: particle 0 leaps past the primary to 0.439325 by 20 s; at 40 s
-        // all five lie beyond rMax, at 1.439325, 1.247018, 1.05471, 0.862402, 0.670095.
-        {0.05,
-         "step: 1 akk.t: 5\nstep: 2 akk.t: 20\nstep: 3 akk.t: 40\n" + weg("5", "40") +
-             weg("4", "40") + weg("3", "40") + weg("2", "40") + weg("1", "40") +
-             "remove_count :5\n",
-         {1.383022 * 1.383022, 1.190715 * 1.190715, 0.998407 * 0.998407, 0.806099 * 0.806099,
-          0.613792 * 0.613792},
-         1,
-         {}},
-    };
-    for (const Fall& f : faelle) {
+    // and the particles fly straight on at 0.025 along the x axis. At 0.26
+    // particles per second particle 0 is appended at 5 s, 1 to 4 at 20 s;
+    // particle k crossed x = xL1 + 0.01 = -0.368367 at (k + 1) / 0.26 s. The
+    // primary is at 0.056303, eta^2 = 0.0025, rMax^2 = 0.228615: particle 0 is
+    // at 0.035479 at 20 s, inside eta, and is removed; at 40 s particles 1 to 4
+    // are at 0.439325, 0.343171, 0.247018 and 0.150864.
+    const double x40[] = {0.439325, 0.343171, 0.247018, 0.150864};
+    // The progress: the first step at once, the end always; a slow machine may
+    // show the step at 20 s between them. Quiet when stderr is not a terminal
+    // and it is not asked for.
+    const std::string zahl = "[0-9.e+-]+";
+    const std::string zeilen = "t 5 s \\(" + zahl + " Bahnen\\), 1 Teilchen, " + zahl +
+                               " Schritte/s, Rest [0-9]+:[0-9]{2}:[0-9]{2}\n(t 20 s .*\n)?"
+                               "t 40 s \\(0.00733[0-9]* Bahnen\\), 4 Teilchen, (" + zahl +
+                               "|-) Schritte/s, Rest 0:00:00\n";
+    const struct {
+        std::string vor, option; // shell text before and after the program
+        std::string err;         // a regular expression
+    } arten[] = {{"", "", ""},
+                 {"AKKSTROM_FORTSCHRITT=1 ", "", zeilen},
+                 {"", "--fortschritt", zeilen},
+                 {"AKKSTROM_FORTSCHRITT=0 ", "", ""}};
+    for (const auto& a : arten) {
+        SCOPED_TRACE(a.vor + a.option);
         hilfen::TempOrdner o;
-        fs::create_directories(o.pfad() / "data");
-        std::ostringstream p;
-        p << "Stromrate 4.49320066e-17 Stromgeschwindigkeit " << f.c
-          << " Stromstreuung 0 Stromabstand 0.01 Strombreite 0 Stromsaat 1\n";
-        hilfen::schreibe(o.datei("data/OYCar.parameter"), hilfen::parameter(p.str()));
-        hilfen::schreibe(o.datei("data/Akk-OYCar-0"), "Teilchenanzahl 0\nZeit 0\nTeilchendaten:\n");
-        const hilfen::Lauf l = akkstrom(o.pfad());
+        hilfen::eingaben(o,
+                         hilfen::parameter("Stromrate 4.49320066e-17 Stromgeschwindigkeit 0.025 "
+                                           "Stromstreuung 0 Stromabstand 0.01 Strombreite 0 "
+                                           "Stromsaat 1\n"),
+                         leer);
+        const hilfen::Lauf l = akkstrom(o.pfad(), a.vor, a.option);
         EXPECT_EQ(l.status, 0);
-        EXPECT_EQ(l.err, "");
-        const std::regex zahl("ist : ([-0-9.e+]+)");
-        EXPECT_EQ(std::regex_replace(l.out, zahl, "ist : X"), f.ablauf) << f.c;
-        std::vector<double> abst;
-        for (std::sregex_iterator i(l.out.begin(), l.out.end(), zahl), ende; i != ende; ++i)
-            abst.push_back(std::stod((*i)[1]));
-        ASSERT_EQ(abst.size(), f.abst.size());
-        for (std::size_t i = 0; i < abst.size(); ++i)
-            EXPECT_NEAR(abst[i] / f.abst[i], 1, 1e-4) << f.c << " removal " << i;
-        EXPECT_EQ(teilchen(o.datei("data/Akk-OYCar-20")).size(), f.bei20);
+        EXPECT_TRUE(std::regex_match(l.err, std::regex(a.err))) << l.err;
+        // The removed particle's abst_sqr is 0.020824^2.
+        std::smatch abst;
+        ASSERT_TRUE(std::regex_match(
+            l.out, abst,
+            std::regex("step: 1 akk.t: 5\nstep: 2 akk.t: 20\n Entferne Teilchen : 0 von 1 "
+                       "Teilchen  zur Zeit: 20 : 0.0025 < abst_sqr < 0.228615ist : ([-0-9.e]+)"
+                       "\n\nstep: 3 akk.t: 40\nremove_count :1\n")))
+            << l.out;
+        EXPECT_NEAR(std::stod(abst[1]) / (0.020824 * 0.020824), 1, 1e-4);
+        EXPECT_EQ(teilchen(o.datei("data/Akk-OYCar-20")).size(), 0u);
         const auto am_ende = teilchen(o.datei("data/Akk-OYCar-40"));
-        ASSERT_EQ(am_ende.size(), f.x40.size());
+        ASSERT_EQ(am_ende.size(), 4u);
         // x to the six digits of the snapshot and of xL1 and x1 above.
-        for (std::size_t i = 0; i < am_ende.size(); ++i) {
-            EXPECT_NEAR(am_ende[i][0], f.x40[i], 2e-6) << i;
-            EXPECT_EQ(std::make_tuple(am_ende[i][1], am_ende[i][2], am_ende[i][3], am_ende[i][4],
-                                      am_ende[i][5]),
-                      std::make_tuple(0.0, 0.0, f.c, 0.0, 0.0));
+        for (std::size_t i = 0; i < 4; ++i) {
+            EXPECT_NEAR(am_ende[i][0], x40[i], 2e-6) << i;
+            EXPECT_EQ(am_ende[i], (std::vector<double>{am_ende[i][0], 0, 0, 0.025, 0, 0}));
         }
     }
 }
@@ -173,87 +156,42 @@ TEST(Akkstrom, MitgeliefertesBeispielIstReproduzierbar) {
     const std::size_t n = teilchen(eins.datei("data/Akk-OYCar-300")).size();
     EXPECT_GE(n, 20u);
     EXPECT_LE(n, 55u);
-    EXPECT_EQ(dateien(eins.pfad() / "data"), 4u);
+    EXPECT_EQ(hilfen::anzahl(eins.pfad() / "data"), 4);
 }
 
-TEST(Akkstrom, FortschrittAufStandardfehlerLaesstStandardausgabeUnberuehrt) {
-    // No forces, steps ending at 5, 20 and 40 s (see above): particle 0 is
-    // appended at 5 s, four more at 20 s, and particle 0 leaves at 20 s.
-    auto ordner = [](hilfen::TempOrdner& o) {
-        fs::create_directories(o.pfad() / "data");
-        hilfen::schreibe(o.datei("data/OYCar.parameter"),
-                         hilfen::parameter("Stromrate 4.49320066e-17 Stromgeschwindigkeit 0.025 "
-                                           "Stromstreuung 0 Stromabstand 0.01 Strombreite 0 "
-                                           "Stromsaat 1\n"));
-        hilfen::schreibe(o.datei("data/Akk-OYCar-0"), "Teilchenanzahl 0\nZeit 0\nTeilchendaten:\n");
-    };
-    hilfen::TempOrdner still, option, umgebung, aus;
-    for (auto* o : {&still, &option, &umgebung, &aus})
-        ordner(*o);
-    const hilfen::Lauf s = akkstrom(still.pfad());
-    const hilfen::Lauf a = akkstrom(option.pfad(), "", "--fortschritt");
-    const hilfen::Lauf b = akkstrom(umgebung.pfad(), "AKKSTROM_FORTSCHRITT=1 ");
-    const hilfen::Lauf c = akkstrom(aus.pfad(), "AKKSTROM_FORTSCHRITT=0 ");
-    EXPECT_EQ(s.err, ""); // not a terminal
-    EXPECT_EQ(c.err, "");
-    // The first step is shown at once, the end always; a slow machine may show
-    // the step at 20 s between them.
-    const std::string zahl = "[0-9.e+-]+";
-    const std::regex zeilen("t 5 s \\(" + zahl + " Bahnen\\), 1 Teilchen, " + zahl +
-                            " Schritte/s, Rest [0-9]+:[0-9]{2}:[0-9]{2}\n"
-                            "(t 20 s .*\n)?"
-                            "t 40 s \\(0.00733" + "[0-9]* Bahnen\\), 4 Teilchen, (" + zahl +
-                            "|-) Schritte/s, Rest 0:00:00\n");
-    for (const hilfen::Lauf* l : {&a, &b}) {
-        EXPECT_EQ(l->status, 0);
-        EXPECT_TRUE(std::regex_match(l->err, zeilen)) << l->err;
-        EXPECT_EQ(l->out, s.out);
-    }
-    for (const char* d : {"data/Akk-OYCar-20", "data/Akk-OYCar-40"})
-        EXPECT_EQ(hilfen::lies(option.datei(d)), hilfen::lies(still.datei(d))) << d;
-
-    // An option it does not know: the run does not start.
-    hilfen::TempOrdner falsch;
-    ordner(falsch);
-    const hilfen::Lauf f = akkstrom(falsch.pfad(), "", "--fortschrit");
-    EXPECT_EQ(f.status, 2);
-    EXPECT_EQ(f.out, "");
-    EXPECT_EQ(f.err, "akkstrom: unbekannte Option '--fortschrit' (bekannt: --fortschritt, --weiter, "
-                     "--sicherung DATEI, --sicherung-schritte N, --sicherung-minuten M, "
-                     "--halt-nach N)\n");
-    EXPECT_EQ(dateien(falsch.pfad() / "data"), 2u);
-}
-
-TEST(Akkstrom, SchlechteStromschluesselBeendenDenLaufVorDemErstenSchritt) {
+TEST(Akkstrom, SchlechteStromschluesselUndOptionenBeendenDenLaufVorDemErstenSchritt) {
     const std::string f = "Strom: Fehler: ";
-    const std::string param = hilfen::parameter("Externforce\n");
-    std::string ohneIntegrator = param + "Stromrate 1e-17 " + ohneWW;
+    const std::string param = hilfen::parameter("Externforce\nStromrate 1e-17 " + ohneWW);
+    std::string ohneIntegrator = param;
     ohneIntegrator.erase(ohneIntegrator.find("RungeKutta\n"), 11);
     const struct {
-        std::string param;    // empty: no parameter file
+        std::optional<std::string> param; // nullopt: no parameter file
+        std::string option;
         std::string out, err; // out: its first line only when the keys are missing
         int status;
     } faelle[] = {
-        // Each missing key has its line (InitStromTest has them all).
-        {param, f + "Stromrate fehlt (Massenrate durch L1, Sonnenmassen pro Sekunde) !\n", "", 1},
-        {"", f + "Stromrate fehlt (Massenrate durch L1, Sonnenmassen pro Sekunde) !\n",
+        // Each missing key has its line (StromquelleTest has them all).
+        {std::nullopt, "",
+         f + "Stromrate fehlt (Massenrate durch L1, Sonnenmassen pro Sekunde) !\n",
          "error: unable to open parameter file in InitStrom!\n", 1},
-        {param + "Stromrate 1e-17 Strombreite -1 " + ohneWW,
-         f + "Strombreite muss mindestens 0 sein, nicht '-1' !\n", "", 1},
-        {param + "Stromrate 1e-17 " + ohneWW + "Stromabstand 0.4",
+        {param + "Strombreite -1", "", f + "Strombreite muss mindestens 0 sein, nicht '-1' !\n", "",
+         1},
+        {param + "Stromabstand 0.4", "",
          f + "Stromabstand 0.4 reicht von L1 bis an eta um den Prim\xe4rstern: L1 liegt 0.43467 "
              "vom Prim\xe4rstern, eta ist 0.05 !\n",
          "", 1},
+        // An option it does not know: refused before anything is read.
+        {param, "--fortschrit", "",
+         "akkstrom: unbekannte Option '--fortschrit' (bekannt: --fortschritt, --weiter, "
+         "--sicherung DATEI, --sicherung-schritte N, --sicherung-minuten M, --halt-nach N)\n",
+         2},
         // The stream is fine, the run is not: as akkscheibe, status 0.
-        {ohneIntegrator, "Kein Odeint initialisiert !\n\n", "", 0},
+        {ohneIntegrator, "", "Kein Odeint initialisiert !\n\n", "", 0},
     };
     for (const auto& c : faelle) {
         hilfen::TempOrdner o;
-        fs::create_directories(o.pfad() / "data");
-        if (!c.param.empty())
-            hilfen::schreibe(o.datei("data/OYCar.parameter"), c.param);
-        hilfen::schreibe(o.datei("data/Akk-OYCar-0"), "Teilchenanzahl 0\nZeit 0\nTeilchendaten:\n");
-        const hilfen::Lauf l = akkstrom(o.pfad());
+        hilfen::eingaben(o, c.param, leer);
+        const hilfen::Lauf l = akkstrom(o.pfad(), "", c.option);
         const bool fehlen = c.out.find(" fehlt ") != std::string::npos;
         EXPECT_EQ(fehlen ? l.out.substr(0, l.out.find('\n') + 1) : l.out, c.out);
         if (fehlen) {
@@ -261,7 +199,7 @@ TEST(Akkstrom, SchlechteStromschluesselBeendenDenLaufVorDemErstenSchritt) {
         }
         EXPECT_EQ(l.err, c.err);
         EXPECT_EQ(l.status, c.status);
-        EXPECT_EQ(dateien(o.pfad() / "data"), c.param.empty() ? 1u : 2u); // no snapshot
+        EXPECT_EQ(hilfen::anzahl(o.pfad() / "data"), c.param ? 2 : 1); // no snapshot
     }
 }
 

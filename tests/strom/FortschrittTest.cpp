@@ -2,11 +2,7 @@
 // place on a terminal and line by line elsewhere; the stream still runs.
 
 #include "strom/Fortschritt.h"
-#include "init/InitAkkScheibe.h"
-#include "init/InitPhysSystem.h"
 #include "kraefte/Scheibenfabrik.h"
-#include "physik/Kernel1.h"
-#include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
 #include "tests/Hilfen.h"
 
@@ -25,29 +21,16 @@ struct Zaehler : Update {
 };
 
 // The default binary (period 5453.6 s) and a disc of two particles at time 0.
-struct Lauf {
-    hilfen::TempOrdner o;
-    std::string param = o.datei("p"), disc = o.datei("Akk-0");
-    std::unique_ptr<InitPhysSystem> ip;
-    std::unique_ptr<Kernel1> kernel;
-    std::unique_ptr<PhysSystem> phys;
-    std::unique_ptr<InitAkkScheibe> ia;
-    std::unique_ptr<AkkScheibe> scheibe;
+struct Lauf : hilfen::Aufbau {
+    Lauf()
+        : Aufbau("", "Teilchenanzahl 2 Zeit 0 Teilchendaten:\n"
+                     "0.2 0 0 0 1e-3 0\n-0.1 0.05 0 1e-4 -1e-3 0\n") {}
+    std::unique_ptr<AkkScheibe> scheibe{erzeugeScheibe(0, ia, phys)};
     double uhr = 10; // the wall clock the progress reads
     Zaehler innen;
     std::ostringstream aus;
-    Lauf() {
-        hilfen::schreibe(param, hilfen::parameter(""));
-        hilfen::schreibe(disc, "Teilchenanzahl 2 Zeit 0 Teilchendaten:\n"
-                               "0.2 0 0 0 1e-3 0\n-0.1 0.05 0 1e-4 -1e-3 0\n");
-        ip = std::make_unique<InitPhysSystem>(param.c_str(), disc.c_str());
-        kernel = std::make_unique<Kernel1>(*ip);
-        phys = std::make_unique<PhysSystem>(*ip, kernel.get());
-        ia = std::make_unique<InitAkkScheibe>(param.c_str(), disc.c_str());
-        scheibe.reset(erzeugeScheibe(0, *ia, *phys));
-    }
     std::unique_ptr<Fortschritt> fortschritt(double tEnde, bool terminal) {
-        auto f = std::make_unique<Fortschritt>(innen, *scheibe, *phys, tEnde, aus, terminal,
+        auto f = std::make_unique<Fortschritt>(innen, *scheibe, phys, tEnde, aus, terminal,
                                                [this] { return uhr; });
         scheibe->set_update(f.get());
         return f;

@@ -1,19 +1,38 @@
-"""The numpy reader on hand-made files."""
+"""The numpy reader on hand-made files (class Dateien, needs numpy), and on
+what the C++ tools write together with the example script (class Lauf, needs
+numpy and matplotlib): a generated disc at two times, the table and profiles
+of scheibendiagnose, the picture of verlauf.py. AKK_WERKZEUGE names the folder
+of the built tools. Run with the class to test as argument."""
 
+import importlib
 import math
 import os
 import re
+import subprocess
 import sys
 import tempfile
 import unittest
 import warnings
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-import pruefung  # noqa: E402
+QUELLE = os.path.normpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", ".."))
+sys.path.insert(0, os.path.join(QUELLE, "tools", "python"))
 
-pruefung.braucht("numpy")
-import akkdaten  # noqa: E402
-import numpy as np  # noqa: E402
+
+def braucht(*module):
+    """Exits with status 77, which CTest counts as skipped, when a module is
+    missing; under CI, whose .ci/deps installs them, fails instead."""
+    fehlt = []
+    for m in module:
+        try:
+            importlib.import_module(m)
+        except ImportError:
+            fehlt.append(m)
+    if fehlt:
+        ci = os.environ.get("CI") == "true"
+        print("%s: %s missing for %s (Debian: %s; .ci/deps installs them)"
+              % ("FAILED" if ci else "SKIPPED", ", ".join(fehlt), sys.executable,
+                 " ".join("python3-" + m for m in fehlt)))
+        sys.exit(1 if ci else 77)
 
 
 class Dateien(unittest.TestCase):
@@ -68,7 +87,7 @@ class Dateien(unittest.TestCase):
     def test_binaer_und_flaechendichte(self):
         # OY Car: a^3 = G (m1 + m2) P^2 / (2 pi)^2 = 2.97253e-7 * 2.97418e7 / 39.4784
         # = 0.223940, a = 0.607264; the primary at a m2 / (m1 + m2) = 0.0563026.
-        b = akkdaten.lies_binaer(os.path.join(pruefung.QUELLE, "data", "OYCar.parameter"))
+        b = akkdaten.lies_binaer(os.path.join(QUELLE, "data", "OYCar.parameter"))
         self.assertAlmostEqual(0.607264, b.a, delta=2e-6)
         self.assertAlmostEqual(0.0563026, b.x1, delta=2e-7)
         with self.assertRaisesRegex(akkdaten.AkkDatenFehler, "lacks Sekundaersternmasse"):
@@ -83,5 +102,76 @@ class Dateien(unittest.TestCase):
                                    akkdaten.flaechendichte(s, b, np.array([0.0, 1.0, 2.0])), rtol=1e-15)
 
 
+WERKZEUGE = os.environ.get("AKK_WERKZEUGE", os.path.join(QUELLE, "build", "tools"))
+PARAMETER = os.path.join(QUELLE, "data", "OYCar.parameter")
+VERLAUF = os.path.join(QUELLE, "tools", "python", "verlauf.py")
+
+
+def starte(*befehl):
+    return subprocess.run(befehl, capture_output=True, text=True, encoding="latin-1", timeout=300)
+
+
+class Lauf(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls._tmp = tempfile.TemporaryDirectory()
+        o = cls.ordner = cls._tmp.name
+        # Two discs standing in for the snapshots of a run at 0 and 500 s.
+        for zeit, seed, aussen in ((0, 1, 0.3), (500, 2, 0.25)):
+            d = starte(os.path.join(WERKZEUGE, "scheibengenerator"), "-p", PARAMETER, "--anzahl", "400",
+                       "--seed", str(seed), "--aussen", str(aussen))
+            assert d.returncode == 0, d.stderr
+            with open(os.path.join(o, "d-%d" % zeit), "w") as f:
+                f.write(d.stdout.replace("Zeit 0\n", "Zeit %d\n" % zeit))
+        cls.diagnose, cls.profil = os.path.join(o, "diagnose.tsv"), os.path.join(o, "profil.tsv")
+        d = starte(os.path.join(WERKZEUGE, "scheibendiagnose"), "-p", PARAMETER, "--profil", cls.profil,
+                   os.path.join(o, "d-"))
+        assert d.returncode == 0, d.stderr
+        with open(cls.diagnose, "w") as f:
+            f.write(d.stdout)
+        cls.b = akkdaten.lies_binaer(PARAMETER)
+        cls.s = [akkdaten.lies_schnappschuss(os.path.join(o, n)) for n in ("d-0", "d-500")]
+
+    @classmethod
+    def tearDownClass(cls):
+        cls._tmp.cleanup()
+
+    def test_mode_und_profil_wie_scheibendiagnose(self):
+        # A1 = |sum exp(i phi)| / N and its phase, phi the azimuth about the primary.
+        d = akkdaten.lies_diagnose(self.diagnose)
+        np.testing.assert_array_equal([0, 500], d["time_s"])
+        for i, s in enumerate(self.s):
+            S = np.exp(1j * np.arctan2(s.r[:, 1], s.r[:, 0] - self.b.x1)).sum()
+            self.assertAlmostEqual(abs(S) / 400, d["A1"][i], delta=1e-9)
+            self.assertAlmostEqual(np.degrees(np.angle(S)), d["phase1_deg"][i], delta=1e-6)
+        profile = akkdaten.lies_profil(self.profil)
+        self.assertEqual(2, len(profile))
+        for p, s in zip(profile, self.s):
+            self.assertEqual(400, p["N"].sum())
+            kanten = np.append(p["R_in"], p["R_out"][-1])  # with the tool's particle mass:
+            np.testing.assert_allclose(p["Sigma"], akkdaten.flaechendichte(s, self.b, kanten, 1.7281541e-16),
+                                       rtol=1e-8)
+
+    def test_beispiel(self):
+        bild = os.path.join(self.ordner, "verlauf.png")
+        lauf = starte(sys.executable, VERLAUF, "-p", PARAMETER, "-d", self.diagnose, "-o", bild,
+                      os.path.join(self.ordner, "d-"))
+        self.assertEqual((0, bild + "\n"), (lauf.returncode, lauf.stdout), lauf.stderr)
+        with open(bild, "rb") as f:
+            png = f.read()
+        self.assertEqual(b"\x89PNG", png[:4])
+        self.assertGreater(len(png), 20000)  # two panels with curves, not an empty canvas
+        # Bad input: a one-line message and status 1, no traceback.
+        for falsch in ((os.path.join(self.ordner, "fehlt.tsv"), "d-"), (self.diagnose, "profil.tsv"),
+                       (self.profil, "d-"), (self.diagnose, "e-")):
+            lauf = starte(sys.executable, VERLAUF, "-p", PARAMETER, "-o", bild, "-d", falsch[0],
+                          os.path.join(self.ordner, falsch[1]))
+            self.assertEqual(1, lauf.returncode, falsch)
+            self.assertRegex(lauf.stderr, "^verlauf.py: [^\n]*\n$")
+
+
 if __name__ == "__main__":
+    braucht("numpy", *(["matplotlib"] if "Lauf" in sys.argv[1:] else []))
+    import akkdaten  # noqa: E402
+    import numpy as np  # noqa: E402
     unittest.main(verbosity=2)

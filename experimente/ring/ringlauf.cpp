@@ -110,6 +110,23 @@ int main(int argc, char** argv) {
         return 2;
     }
     e.abstand = abstand > 0 ? abstand : e.h / 3;
+    // Sensible rings only: the profile's rows need a positive spacing below h, and a
+    // spacing that would make more than some ten million particles is refused.
+    const double teilchen =
+        2 * 3.141592653589793 * e.R0 * 5 * e.R0 * std::sqrt(e.tau0 / 2) / (e.abstand * e.abstand);
+    const char* fehler = nullptr;
+    if (!(e.R0 > 0 && e.tau0 > 0 && e.h > 0 && tEnde > 0 && e.genauigkeit > 0))
+        fehler = "--R0, --tau0, --h, --zeit and --genauigkeit must be above 0";
+    else if (!(e.nu >= 0 && e.alpha >= 0 && e.beta >= 0))
+        fehler = "--nu, --alpha and --beta must not be negative";
+    else if (!(e.abstand > 0 && e.abstand <= e.h))
+        fehler = "--abstand must be above 0 and at most h";
+    else if (!(teilchen < 1e7))
+        fehler = "the ring would have more than 1e7 particles";
+    if (fehler) {
+        std::cerr << "ringlauf: " << fehler << '\n';
+        return 2;
+    }
     e.artvisc = e.alpha > 0 || e.beta > 0;
     if (nuRef < 0)
         nuRef = e.nu;
@@ -119,10 +136,12 @@ int main(int argc, char** argv) {
     ring::Ring r(e, ausgabe);
     const double tauEnde = e.tau0 + 12 * nuRef * tEnde / (e.R0 * e.R0);
     ring::Anpassung fit(e.R0, e.h, r.anzahl() * r.teilchenmasse, 3 * std::sqrt(tauEnde / 2));
-    std::printf(
-        "ringlauf: %d particles in %d rows, h %g, spacing %g, nu %g, alpha %g, beta %g%s%s\n",
-        r.anzahl(), r.zeilen, e.h, e.abstand, e.physvisc ? e.nu : 0.0, e.alpha, e.beta,
-        e.druck ? ", pressure" : "", e.physvisc ? ", Physvisc" : "");
+    // The ring's mass M, of which the particles hold all but the cut edges.
+    std::printf("ringlauf: %d particles in %d rows, M = %.6g Msun, h %g, spacing %g, nu %g, "
+                "alpha %g, beta %g%s%s\n",
+                r.anzahl(), r.zeilen, r.phys.mTeilchen / r.teilchenmasse, e.h, e.abstand,
+                e.physvisc ? e.nu : 0.0, e.alpha, e.beta, e.druck ? ", pressure" : "",
+                e.physvisc ? ", Physvisc" : "");
 
     std::ofstream verlauf(ausgabe + "/verlauf.tsv"), profil(ausgabe + "/profil.tsv");
     verlauf << "t_s\ttau\trest\tschritte\tx_min\tx_max\tcs\trho\tdJ\n";

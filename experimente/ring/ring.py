@@ -11,7 +11,8 @@ build/experimente/ring/ringlauf.
 
 prints a Markdown table of nu_eff against the input and writes the picture of
 Sigma(R). Each run is one ringlauf process on OMP_NUM_THREADS threads (1 unless
-set), the longest some 5 minutes on one core. Needs numpy and matplotlib.
+set), the longest under 3 minutes on one core; --wiederverwenden takes the runs
+already in the scratch folder. Needs numpy and matplotlib.
 Units: solar masses, solar radii (Rsun), seconds.
 """
 
@@ -179,15 +180,22 @@ def av_koeffizienten():
 
 # --- runs ---------------------------------------------------------------------
 
-def laufe(bau, arbeit, name, optionen):
+def laufe(bau, arbeit, name, optionen, wiederverwenden=False):
     ordner = os.path.join(arbeit, name)
-    prog = os.path.join(bau, "experimente", "ring", "ringlauf")
-    env = dict(os.environ)
-    env.setdefault("OMP_NUM_THREADS", "1")
-    start = time.time()
-    aus = subprocess.run([prog, "--ausgabe", ordner] + optionen, env=env, check=True,
-                         stdout=subprocess.PIPE, universal_newlines=True).stdout
-    dauer = time.time() - start
+    text = os.path.join(ordner, "ringlauf.txt")
+    if wiederverwenden and os.path.exists(text):
+        with open(text) as f:
+            aus, dauer = f.read(), float("nan")
+    else:
+        prog = os.path.join(bau, "experimente", "ring", "ringlauf")
+        env = dict(os.environ)
+        env.setdefault("OMP_NUM_THREADS", "1")
+        start = time.time()
+        aus = subprocess.run([prog, "--ausgabe", ordner] + optionen, env=env, check=True,
+                             stdout=subprocess.PIPE, universal_newlines=True).stdout
+        dauer = time.time() - start
+        with open(text, "w") as f:
+            f.write(aus)
     print(aus.splitlines()[0], "(%.0f s)" % dauer, file=sys.stderr)
     v = np.genfromtxt(os.path.join(ordner, "verlauf.tsv"), names=True)
     p = np.genfromtxt(os.path.join(ordner, "profil.tsv"), names=True)
@@ -210,6 +218,8 @@ def main():
     ap.add_argument("--arbeit", default="ring-arbeit", help="scratch folder (default ring-arbeit)")
     ap.add_argument("--bild", default="docs/bilder/ring.png", help="picture of Sigma(R)")
     ap.add_argument("--schnell", action="store_true", help="only the coarsest rings (a check)")
+    ap.add_argument("--wiederverwenden", action="store_true",
+                    help="take the runs already in the scratch folder (table and picture anew)")
     a = ap.parse_args()
     os.makedirs(a.arbeit, exist_ok=True)
 
@@ -220,7 +230,8 @@ def main():
     hs = [0.01, 0.007] if a.schnell else [0.01, 0.007, 0.005, 0.0035]
     laeufe_a = {}
     for h in hs:
-        r = laufe(a.bau, a.arbeit, "a-h%g" % h, ["--h", str(h), "--abstand", str(h / 4)])
+        r = laufe(a.bau, a.arbeit, "a-h%g" % h, ["--h", str(h), "--abstand", str(h / 4)],
+                  a.wiederverwenden)
         laeufe_a[h] = r
         ne = nu_eff(r["v"])
         st = nu_stuecke(r["v"]) / NU_A
@@ -238,7 +249,7 @@ def main():
         r = laufe(a.bau, a.arbeit, "%s-h%g" % (name, h),
                   ["--h", str(h), "--abstand", str(h / 4), "--nu", "0", "--ohne-physvisc",
                    "--alpha", str(alpha), "--beta", str(beta), "--nu-ref", "%.6g" % nu_vorher,
-                   "--zeit", "1800"])
+                   "--zeit", "1800"], a.wiederverwenden)
         laeufe_b[name] = r
         cs = float(np.mean(r["v"]["cs"]))  # mass-weighted, averaged over the run
         nu_lin = alpha * cs * h * c_alpha
@@ -274,7 +285,7 @@ def main():
                                   nu_eff(r["v"]) / r["nu_usual"],
                                   nu_eff(r["v"]) / r["nu_form"]))
 
-    zeichne(a.bild, laeufe_a[hs[-1]], hs[-1], laeufe_b["b"], h)
+    zeichne(a.bild, laeufe_a[h], h, laeufe_b["b"], h)
     print("\npicture: %s" % a.bild)
 
 

@@ -42,11 +42,12 @@
 // of 1.44e-3 at R0 (Mach 57); the radial pressure force is at most 0.6 % of
 // the primary's gravity and is balanced from the start by
 // v_phi^2 = v_K^2 - R a_R (a_R the row's mean radial acceleration of the gas
-// forces), and the shear and angular momentum gradients that set the
-// spreading change by less than that. (4) The removal radii: the test
-// integrates with the stepper itself, as the driver does but without removal,
-// and checks that no particle comes near eta = 0.05 or rMax = 0.478 (the ring
-// stays between 0.069 and 0.19).
+// forces); it alters the rotation across the ring, and with it the shear and
+// the angular momentum gradient that set the spreading, by about
+// (c_s/v_K)^2 (R0/sigma)^2 = 1.3 %. (A finer ring of the same particles is
+// denser and hotter; docs/ring.md shows where that starts to matter.) (4) The removal radii: the
+// test integrates with the stepper itself, as the driver does but without removal, and checks that
+// no particle comes near eta = 0.05 or rMax = 0.478 (the ring stays between 0.069 and 0.19).
 //
 // The binary. In the frame co-rotating with the binary a Keplerian ring around
 // the primary has v = v_Kepler + v_R - Omega x (r - x1), Omega the binary's

@@ -33,10 +33,11 @@
 // of it in the run and spreads a little more inwards than outwards). This is
 // what makes the ring below spread faster than the continuum: nu_eff/nu =
 // 1.07 here, 1.055 at the spacing h/4; the same fit applied to the exact
-// (continuum) evolution of the same cut start gives 0.97. (3) Pressure is
-// included: without it nothing keeps SPH particles apart, neighbouring rows
-// drift into pairs within an orbit or two, the kernel sums turn lumpy and the
-// ring spread 12 to 23 % too fast in trials. The ring is cold, so pressure
+// (continuum) evolution of the same cut start gives 0.98. (3) Pressure is
+// included: without it nothing keeps SPH particles apart and neighbouring rows
+// drift into pairs within an orbit or two. This ring still gives 1.063 so, but
+// finer rings spread 14 to 17 % too fast without pressure (docs/ring.md), and
+// so did rings run for more orbits in trials. The ring is cold, so pressure
 // changes the spreading little: the sound speed from the equation of state
 // (c_s^2 = P/rho = 0.0005 rho^2/3) is 2.5e-5 R_sun/s against the orbital speed
 // of 1.44e-3 at R0 (Mach 57); the radial pressure force is at most 0.6 % of

@@ -149,8 +149,13 @@ def werte(ordner):
             "e_mittel": math.hypot(evek_mittel[0], evek_mittel[1]),
             "e_phase": math.degrees(math.atan2(evek_mittel[1], evek_mittel[0])),
             "akkretiert": innen, "verloren": aussen,
-            # Particles the stream has brought by this time (the count rule of akkstrom).
-            "eingespeist": math.floor(rate * (s.zeit - t0) / M_TEILCHEN),
+            # Particles the stream has brought: the initial disc is empty, so
+            # those in the snapshot and those removed before it.
+            "eingespeist": len(s) + innen + aussen,
+            # akkstrom's count rule, floor(rate (t - t0) / m); the particles of
+            # the step that ends at a snapshot are appended just after it is
+            # written, so this may be ahead by those (one or two).
+            "regel": math.floor(rate * (s.zeit - t0) / M_TEILCHEN),
             "R_scheibe": Rs,
         })
     return b, rate, schnappschuesse, reihen, weg
@@ -277,19 +282,19 @@ def tabellen(b, rate, k, reihen, weg, wandzeit):
                     r["R_95"] / a, "%.3f" % r["A1_alle"] if "A1_alle" in r else "–", r["A1"],
                     1 / math.sqrt(max(r["N_scheibe"], 1)), r["e_mittel"], r["akkretiert"], r["verloren"]))
     letzte = reihen[-1]
-    innen = int(np.count_nonzero(weg[:, 1] < weg[:, 2]))
-    aussen = int(np.count_nonzero(weg[:, 1] > weg[:, 3]))
+    # Removals up to the last snapshot (a log of a stopped run goes on past it).
+    innen, aussen = letzte["akkretiert"], letzte["verloren"]
     z.append("")
-    z.append("Budget at %.4g s: injected %d (rate rule), in the simulation %d + accreted %d + lost %d = %d; "
-             "disc (e < %g) %d, on its way in %d. Wall time %s s."
-             % (letzte["t"], letzte["eingespeist"], letzte["N"], innen, aussen,
-                letzte["N"] + innen + aussen, E_SCHEIBE, letzte["N_scheibe"],
-                letzte["N"] - letzte["N_scheibe"], wandzeit))
-    if letzte["N"] + innen + aussen != letzte["eingespeist"]:
-        z.append("The budget does not close: the log lacks removal lines, or the disc did not start empty.")
+    z.append("Budget at %.4g s: in the simulation %d + accreted %d + lost %d = injected %d (count rule "
+             "floor(rate t / m): %d); disc (e < %g) %d, on its way in %d. Wall time %s s."
+             % (letzte["t"], letzte["N"], innen, aussen, letzte["eingespeist"], letzte["regel"],
+                E_SCHEIBE, letzte["N_scheibe"], letzte["N"] - letzte["N_scheibe"], wandzeit))
+    if not 0 <= letzte["regel"] - letzte["eingespeist"] <= 2:
+        z.append("The budget does not match the count rule: the log lacks removal lines, "
+                 "or the disc did not start empty.")
     # Accretion rate over the last two orbits against the feeding rate.
     ende = letzte["t"]
-    spaet = weg[(weg[:, 0] > ende - 2 * b.periode) & (weg[:, 1] < weg[:, 2])]
+    spaet = weg[(weg[:, 0] > ende - 2 * b.periode) & (weg[:, 0] <= ende) & (weg[:, 1] < weg[:, 2])]
     z.append("Accreted in the last 2 orbits: %d particles, %.3g of the injection rate."
              % (len(spaet), len(spaet) * M_TEILCHEN / (2 * b.periode) / rate))
     return "\n".join(z)

@@ -9,7 +9,8 @@
 # FOLDER     run folder, made if missing (default experimente/stromscheibe/lauf);
 #            an existing one must not hold snapshots already
 # RATE       mass transfer rate through L1 in solar masses per second
-#            (default 4.8e-17 = 1.5e-9 per year: a particle every 3.6 s)
+#            (default 3.2e-17 = 1.0e-9 per year: a particle every 5.4 s, as in
+#            strom/beispiel/)
 # ORBITS     binary orbits to run (default 10)
 # PER_ORBIT  snapshots per orbit (default 20)
 #
@@ -22,7 +23,7 @@ set -euo pipefail
 
 quelle=$(cd "$(dirname "$0")/../.." && pwd)
 ordner=${1:-$quelle/experimente/stromscheibe/lauf}
-rate=${2:-4.8e-17}
+rate=${2:-3.2e-17}
 bahnen=${3:-10}
 pro_bahn=${4:-20}
 bau=${AKK_BUILD:-build}

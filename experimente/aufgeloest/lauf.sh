@@ -6,7 +6,9 @@
 #
 # The build folder is taken from AKK_BUILD (default build). Afterwards the
 # folder holds the snapshots in data/, akkscheibe.log (the driver's lines
-# with one pair count a step) and wandzeit.txt (the wall time in seconds).
+# with one pair count a step), wandzeit.txt (the wall time in seconds) and
+# rechenzeit.txt (the shell's times: its own CPU time, then that of the
+# programs it ran, user and system).
 set -euo pipefail
 
 quelle=$(cd "$(dirname "$0")/../.." && pwd)
@@ -33,4 +35,6 @@ OMP_NUM_THREADS=1 nice -n 10 "$bau/akkscheibe" |
     > akkscheibe.log
 ende=$(date +%s.%N)
 awk -v a="$beginn" -v e="$ende" 'BEGIN { printf "%.0f\n", e - a }' > wandzeit.txt
-echo "lauf.sh: done in $(cat wandzeit.txt) s"
+# CPU time of the run (user and system, of the programs this script started).
+times > rechenzeit.txt
+echo "lauf.sh: done in $(cat wandzeit.txt) s, CPU (user system) $(sed -n 2p rechenzeit.txt)"

@@ -161,23 +161,35 @@ def werte(ordner):
     return b, rate, schnappschuesse, reihen, weg
 
 
-def praezession(reihen, b, ab_bahn):
-    """Apsidal motion of the disc: the longitude of its mean eccentricity
-    vector in a non-rotating frame (phase in the co-rotating frame plus
-    omega t), unwrapped and fitted by a straight line from the given orbit
-    on. A freely precessing eccentric disc turns slowly forward, at
-    omega_prec = omega eps / (1 + eps) with eps = P_sh/P_orb - 1 the superhump
-    period excess; a distortion fixed in the binary's frame turns with it, at
-    omega. Returns the rate over omega, and eps where it is between 0 and 1/2;
-    None if fewer than four snapshots."""
-    t = np.array([r["t"] for r in reihen if r["bahnen"] >= ab_bahn])
-    phase = np.array([math.radians(r["e_phase"]) for r in reihen if r["bahnen"] >= ab_bahn])
-    if len(t) < 4 or not np.all(np.isfinite(phase)):
+def praezession(zeiten, evek, b):
+    """Apsidal precession of the free eccentricity of the disc, from its mean
+    eccentricity vector E(t) (complex, e_x + i e_y in the co-rotating axes) at
+    the given times. E is fitted as a part fixed in the binary's frame that
+    drifts slowly as the disc grows, F0 + F1 x, plus a free part that turns
+    backward in this frame and decays, A exp(-(i nu + gamma) x), x being the
+    time from the middle of the window in orbits. A free eccentric disc
+    precesses forward at omega_prec in a non-rotating frame, so it turns at
+    nu = omega - omega_prec here, and the superhump period 2 pi / nu gives
+    eps = P_sh/P_orb - 1 = omega/nu - 1. nu is searched over 0.8 to 1.2 omega
+    in steps of 0.001 omega, gamma over -0.2 to 1 per orbit in steps of 0.05;
+    F0, F1 and A by least squares. Returns eps, the decay rate per orbit,
+    |A|, |F0| and the rms residual, or None for fewer than eight points."""
+    zeiten = np.asarray(zeiten, dtype=float)
+    evek = np.asarray(evek, dtype=complex)
+    if len(zeiten) < 8:
         return None
-    laenge = np.unwrap(phase + b.omega * t)
-    anteil = np.polyfit(t, laenge, 1)[0] / b.omega
-    eps = anteil / (1 - anteil) if 0 < anteil < 0.5 else math.nan
-    return {"anteil": anteil, "eps": eps}
+    x = (zeiten - zeiten.mean()) / b.periode
+    bestes = None
+    for nu in np.linspace(0.8, 1.2, 401) * 2 * math.pi:       # per orbit
+        for gamma in np.linspace(-0.2, 1.0, 25):
+            m = np.stack([np.ones_like(x), x, np.exp(-(1j * nu + gamma) * x)], axis=1)
+            c = np.linalg.lstsq(m, evek, rcond=None)[0]
+            rest = float((np.abs(evek - m @ c) ** 2).sum())
+            if bestes is None or rest < bestes[0]:
+                bestes = (rest, nu, gamma, c)
+    rest, nu, gamma, c = bestes
+    return {"eps": 2 * math.pi / nu - 1, "daempfung": gamma, "frei": abs(c[2]), "fest": abs(c[0]),
+            "rest": math.sqrt(rest / len(x))}
 
 
 def zeichne(b, k, reihen, diagnose, ausgabe):
@@ -210,13 +222,14 @@ def zeichne(b, k, reihen, diagnose, ausgabe):
     radien = ax[0, 1]
     for name, farbe in (("R_50", "C0"), ("R_90", "C1"), ("R_95", "C3")):
         radien.plot(t, [r[name] for r in reihen], "-", color=farbe,
-                    label=name.replace("_", " ") + " %: radius enclosing that share of the disc")
+                    label="R$_{%s}$: %s %% of the disc inside" % (name[2:], name[2:]))
     for linie, a in ((profil.axvline, profil), (radien.axhline, radien)):
         for name, stil, text in (("r_circ", ":", "r$_{circ}$"), ("r_31", "--", "3:1 resonance"),
                                  ("R_tid", "-.", "0.9 R$_L$ (tidal)"), ("R_L", "-", "R$_L$ (Eggleton)")):
             linie(k[name], color="grey", linestyle=stil, linewidth=1, label=text)
         a.grid(alpha=0.3)
-        a.legend(fontsize="small")
+    profil.legend(fontsize="small", loc="lower center", ncol=2)
+    radien.legend(fontsize="small", loc="lower right", ncol=2)
     radien.set_xlabel("binary orbits")
     radien.set_ylabel("radius [R$_\\odot$]")
     radien.set_title("size of the disc")
@@ -305,8 +318,9 @@ def main(argumente=None):
     ap.add_argument("ordner", metavar="FOLDER", help="the run folder")
     ap.add_argument("-o", "--ausgabe", help="picture to write (PNG)")
     ap.add_argument("-d", "--diagnose", help="table of scheibendiagnose for the same snapshots")
-    ap.add_argument("--praezession-ab", type=float, default=None, metavar="ORBITS",
-                    help="fit the apsidal precession of the disc from this orbit on")
+    ap.add_argument("--praezession", type=float, nargs=2, action="append", metavar=("FROM", "TO"),
+                    help="fit the apsidal precession of the disc's free eccentricity between these "
+                         "orbits (may be given several times)")
     a = ap.parse_args(argumente)
     try:
         b, rate, _, reihen, weg = werte(a.ordner)
@@ -322,16 +336,26 @@ def main(argumente=None):
                 wandzeit = f.read().strip()
         except OSError:
             wandzeit = "?"
+        try:
+            with open(os.path.join(a.ordner, "rechenzeit.txt")) as f:
+                wandzeit += " (CPU, user and system: %s)" % f.read().split("\n")[1].strip()
+        except (OSError, IndexError):
+            pass
         print(tabellen(b, rate, k, reihen, weg, wandzeit))
-        if a.praezession_ab is not None:
-            p = praezession(reihen, b, a.praezession_ab)
+        if a.praezession:
+            print()
+            print("| orbits | eps = P_sh/P_orb - 1 | decay of the free part [1/orbit] | free \\|e\\| (middle) "
+                  "| fixed \\|e\\| (middle) | rms residual |")
+            print("|---|---|---|---|---|---|")
+        for von, bis in a.praezession or []:
+            wahl = [r for r in reihen if von - 1e-9 <= r["bahnen"] <= bis + 1e-9]
+            p = praezession([r["t"] for r in wahl],
+                            [r["e_mittel"] * np.exp(1j * math.radians(r["e_phase"])) for r in wahl], b)
             if p is None:
-                print("Apsidal motion: too few snapshots after orbit %g." % a.praezession_ab)
+                print("| %g–%g | too few snapshots | | | | |" % (von, bis))
             else:
-                print("Apsidal motion from orbit %g on: the disc's mean eccentricity vector turns at %.4f "
-                      "times the orbital angular velocity in a non-rotating frame (free precession: "
-                      "eps/(1+eps); fixed in the binary's frame: 1); eps = %.4f"
-                      % (a.praezession_ab, p["anteil"], p["eps"]))
+                print("| %g–%g | %.3f | %.2f | %.4f | %.4f | %.4f |"
+                      % (von, bis, p["eps"], p["daempfung"], p["frei"], p["fest"], p["rest"]))
         if a.ausgabe:
             zeichne(b, k, reihen, diagnose, a.ausgabe)
     except (OSError, ValueError) as f:

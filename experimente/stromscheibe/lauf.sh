@@ -17,8 +17,9 @@
 # The build folder is taken from AKK_BUILD (default build). Afterwards FOLDER
 # holds data/ (parameter file and snapshots), akkstrom.log (the driver's
 # lines, with the removals, and one pair count a step), fortschritt.log (the
-# progress lines after the wall-clock time) and wandzeit.txt (the wall time
-# in seconds).
+# progress lines after the wall-clock time), wandzeit.txt (the wall time in
+# seconds) and rechenzeit.txt (the output of the shell's times: its own CPU
+# time, then that of the programs it ran, user and system).
 set -euo pipefail
 
 quelle=$(cd "$(dirname "$0")/../.." && pwd)
@@ -74,5 +75,7 @@ OMP_NUM_THREADS=1 AKKSTROM_FORTSCHRITT=1 nice -n 10 "$programm" \
     > akkstrom.log || true
 ende=$(date +%s.%N)
 awk -v a="$beginn" -v e="$ende" 'BEGIN { printf "%.0f\n", e - a }' > wandzeit.txt
+# CPU time of the run (user and system, of the programs this script started).
+times > rechenzeit.txt
 grep -q '^remove_count' akkstrom.log || fehler "akkstrom did not reach Outputtime; see $ordner/akkstrom.log"
-echo "lauf.sh: done in $(cat wandzeit.txt) s"
+echo "lauf.sh: done in $(cat wandzeit.txt) s, CPU (user system) $(sed -n 2p rechenzeit.txt)"

@@ -1,6 +1,6 @@
 """The evaluation of the stream experiment (experimente/stromscheibe/auswertung.py):
 the orbital elements that tell disc from stream, the radii it measures the
-disc against, and the removal lines it counts."""
+disc against, the precession fit, and the removal lines it counts."""
 
 import math
 import os
@@ -61,6 +61,23 @@ class Radien(unittest.TestCase):
         self.assertAlmostEqual(k["R_tid"] / OYCAR.a, 0.9 * 0.5765, delta=5e-5)
         self.assertAlmostEqual(k["r_31"] / OYCAR.a, 0.4654, delta=5e-5)
         self.assertAlmostEqual(k["r_circ"] / OYCAR.a, 0.3043, delta=5e-5)
+
+
+class Praezession(unittest.TestCase):
+    def test_freie_exzentrizitaet(self):
+        # A disc whose free eccentricity precesses forward with a superhump
+        # excess eps = 0.021 (the empirical value for OY Car's q, Patterson et
+        # al. 2005) turns backward in the co-rotating frame at nu = omega/1.021
+        # and decays by 0.1 per orbit, beside a fixed part that drifts: the fit
+        # must find eps to the 0.001 of its search grid.
+        t = np.arange(0, 6, 0.05) * OYCAR.periode
+        x = (t - t.mean()) / OYCAR.periode
+        nu = 2 * math.pi / 1.021
+        e = (0.03 - 0.02j) + 0.001 * x + (0.004 + 0.006j) * np.exp(-(1j * nu + 0.1) * x)
+        p = auswertung.praezession(t, e, OYCAR)
+        self.assertAlmostEqual(p["eps"], 0.021, delta=1e-3)
+        self.assertAlmostEqual(p["daempfung"], 0.1, delta=1e-9)
+        self.assertAlmostEqual(p["frei"], abs(0.004 + 0.006j), delta=1e-4)
 
 
 class Protokoll(unittest.TestCase):

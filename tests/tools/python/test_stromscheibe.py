@@ -9,7 +9,7 @@ import tempfile
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-import pruefung  # noqa: E402
+import test_akkdaten as pruefung  # noqa: E402  (QUELLE, braucht)
 
 pruefung.braucht("numpy")
 sys.path.insert(0, os.path.join(pruefung.QUELLE, "experimente", "stromscheibe"))

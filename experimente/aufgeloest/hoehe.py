@@ -29,15 +29,6 @@ K_DRUCK = 0.0005  # P = K rho^(5/3) in the simulator's units
 RMS_ZU_H = math.sqrt(5 / 6)
 
 
-def glaettungslaenge(parameter):
-    with open(parameter, encoding="latin-1") as f:
-        woerter = f.read().split()
-    werte = [woerter[i + 1] for i, w in enumerate(woerter[:-1]) if w == "Smoothinglength"]
-    if not werte:
-        raise akkdaten.AkkDatenFehler("%s has no Smoothinglength" % parameter)
-    return float(werte[-1])
-
-
 def lies_tabelle(datei):
     """Time and the columns x y z vx vy vz h m density of a scheibensplash table."""
     zeit = None
@@ -90,7 +81,7 @@ def main(argumente=None):
         ap.error("want 0 < --innen < --aussen and 1 <= --ringe <= 1000")
     try:
         b = akkdaten.lies_binaer(a.parameter)
-        h = glaettungslaenge(a.parameter)
+        h = akkdaten.lies_schluessel(a.parameter, "Smoothinglength")["Smoothinglength"]
         kanten = np.linspace(a.innen, a.aussen, a.ringe + 1)
         laeufe = sorted((lies_tabelle(t) for t in a.tabellen), key=lambda x: x[0])
     except (OSError, ValueError) as f:

@@ -107,21 +107,11 @@ def entfernungen(log):
     return np.array(aus, dtype=float).reshape(-1, 4)
 
 
-def stromrate(parameter):
-    """The last value of the key Stromrate, as the simulator reads it."""
-    with open(parameter, encoding="latin-1") as f:
-        woerter = f.read().split()
-    werte = [woerter[i + 1] for i, w in enumerate(woerter[:-1]) if w == "Stromrate"]
-    if not werte:
-        raise akkdaten.AkkDatenFehler("%s has no Stromrate" % parameter)
-    return float(werte[-1])
-
-
 def werte(ordner):
     """Everything the tables and the picture need, one entry per snapshot."""
     parameter = os.path.join(ordner, "data", "OYCar.parameter")
     b = akkdaten.lies_binaer(parameter)
-    rate = stromrate(parameter)
+    rate = akkdaten.lies_schluessel(parameter, "Stromrate")["Stromrate"]
     dateien = akkdaten.sammle([os.path.join(ordner, "data", "Akk-OYCar-")])
     schnappschuesse = sorted((akkdaten.lies_schnappschuss(d) for d in dateien), key=lambda s: s.zeit)
     weg = entfernungen(os.path.join(ordner, "akkstrom.log"))

@@ -192,18 +192,25 @@ class Binaer:
         self.x2 = self.x1 - self.a
 
 
-def lies_binaer(datei):
-    """Masses and period from a parameter file. Like the simulator's readers it
-    takes the word after each key wherever it stands; the last one counts."""
+def lies_schluessel(datei, *namen):
+    """The numbers after the keys `namen` in a parameter file. Like the
+    simulator's readers it takes the word after each key wherever it stands;
+    the last one counts."""
     with open(datei, encoding="latin-1") as f:
         woerter = f.read().split()
     werte = {}
     for i, w in enumerate(woerter[:-1]):
-        if w in ("Primaersternmasse", "Sekundaersternmasse", "Bahnperiode"):
+        if w in namen:
             werte[w] = _zahl(woerter[i + 1], datei, 0, w)
-    fehlt = [k for k in ("Primaersternmasse", "Sekundaersternmasse", "Bahnperiode") if k not in werte]
+    fehlt = [k for k in namen if k not in werte]
     if fehlt:
         raise AkkDatenFehler("%s: the parameter file lacks %s" % (datei, ", ".join(fehlt)))
+    return werte
+
+
+def lies_binaer(datei):
+    """Masses and period from a parameter file."""
+    werte = lies_schluessel(datei, "Primaersternmasse", "Sekundaersternmasse", "Bahnperiode")
     b = Binaer(werte["Primaersternmasse"], werte["Sekundaersternmasse"], werte["Bahnperiode"])
     if not (b.m1 > 0 and b.m2 >= 0 and b.periode > 0):
         raise AkkDatenFehler("%s: masses and period must be above 0" % datei)

@@ -32,6 +32,33 @@ inline std::size_t anzahlSlabs(std::size_t n) {
     return std::ptrdiff_t(n) < mindestens ? 1 : anzahlFaeden();
 }
 
+// Measured cost of the loops, in nanoseconds on one thread of the reference
+// machine (bench/kraefte_bench): per entry of the partner lists (twice the
+// pairs) for the passes over pairs, per particle for the others.
+namespace kosten {
+constexpr double suche = 25, gas = 15, viskos = 25, teilchen = 10;
+}
+
+// Whether a loop of about `ns` nanoseconds of work is worth the threads.
+// Starting them and joining them costs some microseconds on an idle
+// machine, but on a machine whose cores are busy with other work a thread
+// may wait a time slice (milliseconds) for its core, and the loop waits for
+// its slowest thread: only loops of several milliseconds gain.
+inline double schwelleNs = 2e6; // tests set 0 to run every loop on the threads
+inline bool lohnt(double ns) {
+    return ns >= schwelleNs && anzahlFaeden() > 1;
+}
+
+// f(b) for the blocks b = 0 .. anzahl-1, handed to the threads one block at
+// a time as they come free (a thread delayed by another process takes fewer
+// blocks), when `parallel`; else in order on the calling thread.
+template <class F> void fuerBloecke(std::size_t anzahl, bool parallel, F f) {
+    const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(anzahl);
+#pragma omp parallel for schedule(dynamic, 1) if (parallel && nn > 1)
+    for (std::ptrdiff_t b = 0; b < nn; ++b)
+        f(std::size_t(b));
+}
+
 // Running sums of integers in place: a[i] becomes a[0] + ... + a[i]. Integer
 // sums are exact in any grouping, so long arrays are summed in one block per
 // thread, each block then shifted by the sum of the blocks before it.

@@ -42,6 +42,7 @@ public:
     std::vector<double> vx, vy, vz;   // velocities, by slot
     std::vector<std::uint32_t> index; // index in the particle vector, by slot
     std::vector<std::uint32_t> slot;  // slot of each particle, by index
+    std::vector<Index> ijk;           // cell of each slot
 
     // Lays out nx * ny * nz cells for a disc of `teilchen` particles.
     void anlegen(int nx_, int ny_, int nz_, std::size_t teilchen = 0) {
@@ -69,23 +70,52 @@ public:
             a->resize(n);
         index.resize(n);
         slot.resize(n);
+        ijk.resize(n);
         if (dicht)
             sortiereDicht(alle, zelleVon);
         else
             sortiereDuenn(alle, zelleVon);
     }
 
-    // Calls f(particle index) for every particle in slot order, spread over
-    // the threads: neighbours in space are handled one after the other, so
-    // the pairs that a particle reads were built close together. `n` is the
-    // disc's particle count; a grid binned from another disc (of a copy
-    // sharing it) with another count falls back to the vector's order.
-    template <class F> void fuerJedenSlot(std::size_t n, F f) const {
-        const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
-        const bool sortiert = index.size() == n;
-#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
-        for (std::ptrdiff_t s = 0; s < nn; ++s)
-            f(sortiert ? std::size_t(index[std::size_t(s)]) : std::size_t(s));
+    // Calls f(q) for every slot q that the search of all home cells
+    // compares with slot x, in the order in which those comparisons come in
+    // the search (see suche). The home cells that reach x's cell come in
+    // (i, j, k) order: first the 13 before it, each of which compares its
+    // own particles with x; then x's cell itself, if it is a home cell,
+    // with its other particles in cell order (a cell pairs m < n, so x comes
+    // after its earlier and before its later particles); then its 13
+    // forward neighbours in the order of the half shell. So x's partners
+    // come in pair-list order, found from x's side alone.
+    template <class F> void partner(std::uint32_t x, F f) const {
+        const auto [i, j, k] = ijk[x];
+        auto heim = [&](int a, int b, int c) {
+            return a >= 1 && a <= nx - 2 && b >= 1 && b <= ny - 2 && c >= 1 && c <= nz - 2;
+        };
+        auto zelle = [&](int a, int b, int c) {
+            const auto [pa, pe] = bereich(a, b, c);
+            for (std::uint32_t q = pa; q < pe; ++q)
+                f(q);
+        };
+        for (int a = -1; a <= 0; ++a)
+            for (int b = -1; b <= 1; ++b)
+                for (int c = -1; c <= 1; ++c) {
+                    if (a == 0 && (b > 0 || (b == 0 && c >= 0)))
+                        continue;
+                    if (heim(i + a, j + b, k + c))
+                        zelle(i + a, j + b, k + c);
+                }
+        if (!heim(i, j, k))
+            return;
+        const auto [pa, pe] = bereich(i, j, k);
+        for (std::uint32_t q = pa; q < pe; ++q)
+            if (q != x)
+                f(q);
+        zelle(i, j, k + 1);
+        for (int c = -1; c <= 1; ++c)
+            zelle(i, j + 1, k + c);
+        for (int b = -1; b <= 1; ++b)
+            for (int c = -1; c <= 1; ++c)
+                zelle(i + 1, j + b, k + c);
     }
 
     // Calls paar(p, q, s, s2) for every two slots closer than sqrt(h2)
@@ -191,7 +221,7 @@ private:
                                 [](const Zelle& c, int e) { return c.ijk[0] < e; });
     }
 
-    std::vector<std::size_t> zelleVonSlot; // dense: cell of each particle
+    std::vector<std::size_t> zelleVonSlot; // dense: cell of each particle, by index
     std::vector<std::uint32_t> blocksumme; // dense: scratch of the running sums
     std::vector<std::pair<Index, std::uint32_t>> nachZelle; // sparse: (cell, particle)
 
@@ -209,7 +239,8 @@ private:
         return {it->anfang, it->ende};
     }
 
-    void setze(std::uint32_t s, const T& t, std::size_t p) {
+    void setze(std::uint32_t s, const T& t, std::size_t p, const Index& c) {
+        ijk[s] = c;
         x[s] = t.r[0];
         y[s] = t.r[1];
         z[s] = t.r[2];
@@ -246,7 +277,12 @@ private:
             slot[p] = --a[zelleVonSlot[p]];
 #pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
         for (std::ptrdiff_t p = 0; p < nn; ++p)
-            setze(slot[std::size_t(p)], alle[std::size_t(p)], std::size_t(p));
+        {
+            const std::size_t c = zelleVonSlot[std::size_t(p)];
+            const Index z{int(c / (std::size_t(ny) * std::size_t(nz))),
+                          int(c / std::size_t(nz) % std::size_t(ny)), int(c % std::size_t(nz))};
+            setze(slot[std::size_t(p)], alle[std::size_t(p)], std::size_t(p), z);
+        }
     }
 
     // Sort by (cell, particle index), then the list of occupied cells.
@@ -258,7 +294,7 @@ private:
         std::sort(nachZelle.begin(), nachZelle.end());
         belegt.clear();
         for (std::uint32_t s = 0; s < n; ++s) {
-            setze(s, alle[nachZelle[s].second], nachZelle[s].second);
+            setze(s, alle[nachZelle[s].second], nachZelle[s].second, nachZelle[s].first);
             if (belegt.empty() || belegt.back().ijk != nachZelle[s].first)
                 belegt.push_back({nachZelle[s].first, s, s});
             belegt.back().ende = s + 1;

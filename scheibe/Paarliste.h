@@ -1,161 +1,107 @@
 #pragma once
 
+#include "physik/Kernel1.h"
+#include "physik/Vektor.h"
+#include "scheibe/Vorrat.h"
+
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
-#include <memory>
 #include <vector>
 
-// Storage for the pairs that one slab of the cell grid finds: pairs in the
-// order they were appended, at addresses that stay valid while pairs are
-// appended. clear() keeps the storage, so the pairs of the next evaluation
-// reuse the same records and a force evaluation in the steady state
-// allocates nothing. A reused pair keeps the values of its last use in the
-// fields that every pass computes before reading them; the pair search
-// overwrites all the others.
+// The pairs of an SPH disc, kept per particle: every particle lists its
+// partners in pair-list order (the order of the half-shell search over the
+// cells), with what its own passes need of each pair seen from its side:
+// the kernel gradient g (with respect to its own position, without dfak) and
+// the artificial-viscosity factor mu of approaching partners. Nothing is
+// stored once per pair: every pair term is formed where it is used, by the
+// particle that sums it, with the operations of the pair's definition. Seen
+// from the second partner the separation, the velocity difference and the
+// gradient change sign, which IEEE arithmetic reproduces exactly (a - b is
+// -(b - a), x(-y) is -(xy)), so both partners form the same terms, with the
+// signs the pair's definition gives them.
 //
-// Storage grows in blocks of 64, 128, ... up to 8192 pairs, so a small disc
-// builds few pairs and a large one few blocks.
-template <class W> class Paarspeicher {
-    static std::size_t groesse(std::size_t block) {
-        return block < 7 ? std::size_t(64) << block : std::size_t(8192);
-    }
-
+// Particles are handled by slot (the grid's cell order) in blocks of
+// `blockgroesse` slots; each block writes its partner lists into storage of
+// its own, which clear() keeps, so an evaluation in the steady state
+// allocates nothing.
+class Partnerliste {
 public:
-    // Appends a pair and returns it.
-    W& emplace_back() {
-        if (stelle == groesse(block) || bloecke.empty()) {
-            if (!bloecke.empty())
-                ++block;
-            stelle = 0;
-            if (block == bloecke.size())
-                bloecke.push_back(std::make_unique<W[]>(groesse(block)));
+    static constexpr std::size_t blockgroesse = 256;
+    static constexpr std::uint32_t naehert = 1u << 31; // flag of approaching partners
+
+    struct Block {
+        std::vector<std::uint32_t> partner; // partner's slot, | naehert when approaching
+        std::vector<double> gx, gy, gz;     // kernel gradient seen from this side, without dfak
+        std::vector<double> mu;             // h v.r / (d^2 + 0.01 h^2) when approaching
+        std::vector<std::uint32_t> anfang;  // slot s of the block: entries anfang[s] .. anfang[s+1]-1
+
+        void leeren() {
+            partner.clear();
+            gx.clear();
+            gy.clear();
+            gz.clear();
+            mu.clear();
         }
-        ++anzahl;
-        return bloecke[block][stelle++];
-    }
-    void clear() {
-        anzahl = 0;
-        block = 0;
-        stelle = 0;
-    }
-    std::size_t size() const { return anzahl; }
-
-    // Calls f(pair) for every pair in order.
-    template <class F> void fuer_alle(F f) {
-        std::size_t rest = anzahl;
-        for (std::size_t b = 0; rest > 0; ++b) {
-            const std::size_t n = rest < groesse(b) ? rest : groesse(b);
-            W* p = bloecke[b].get();
-            for (std::size_t k = 0; k < n; ++k)
-                f(p[k]);
-            rest -= n;
+        void anhaengen(std::uint32_t p, const double g[3], double m) {
+            partner.push_back(p);
+            gx.push_back(g[0]);
+            gy.push_back(g[1]);
+            gz.push_back(g[2]);
+            mu.push_back(m);
         }
-    }
-    W& an(std::size_t i) {
-        std::size_t b = 0;
-        while (i >= groesse(b)) {
-            i -= groesse(b);
-            ++b;
-        }
-        return bloecke[b][i];
-    }
-    // Pair k of block b (b < number of blocks, k < groesse(b)).
-    W& an(std::size_t b, std::size_t k) { return bloecke[b][k]; }
-    static std::size_t blockgroesse(std::size_t b) { return groesse(b); }
-
-private:
-    std::vector<std::unique_ptr<W[]>> bloecke;
-    std::size_t anzahl = 0;
-    std::size_t block = 0, stelle = 0; // where the next pair goes
-};
-
-// The pair list of an SPH disc. The pair search runs over slabs of cell
-// planes, one slab per thread; each slab appends to its own storage, and the
-// list is the slabs' pairs joined in slab order, which is the order of a
-// search over all planes. Beside the pairs it keeps the flat index through
-// which every particle lists its own pairs (pointers in pair-list order):
-// index[start[i] .. start[i + 1]) for particle i.
-template <class W> class Paarliste {
-public:
-    std::vector<Paarspeicher<W>> teile;   // pairs of each slab, in slab order
-    std::vector<W*> index;                // every particle's pairs, particle after particle
-    std::vector<std::size_t> start;       // particle i's pairs begin at index[start[i]]
-    std::vector<std::vector<std::uint32_t>> zaehler; // per slab: pairs of each particle
-    std::vector<int> grenzen;             // first cell plane of each slab, and the end
-    std::vector<std::size_t> blocksumme;  // scratch of the running sums
-
-    // Empties the list into `n` slabs (storage is kept).
-    void beginne(std::size_t n) {
-        if (teile.size() < n)
-            teile.resize(n);
-        if (zaehler.size() < n)
-            zaehler.resize(n);
-        for (auto& t : teile)
-            t.clear();
-        slabs = n;
-    }
-    void clear() { beginne(slabs); }
-    std::size_t anzahlTeile() const { return slabs; }
-
-    std::size_t size() const {
-        std::size_t n = 0;
-        for (std::size_t t = 0; t < slabs; ++t)
-            n += teile[t].size();
-        return n;
-    }
-    bool empty() const { return size() == 0; }
-    W& front() { return teile[erstesBelegtes()].an(0); }
-
-    // Every pair in list order.
-    template <class F> void fuer_alle(F f) {
-        for (std::size_t t = 0; t < slabs; ++t)
-            teile[t].fuer_alle(f);
-    }
-
-    // Forward iteration in list order (tests and tools; the passes use fuer_alle).
-    class iterator {
-    public:
-        using iterator_category = std::forward_iterator_tag;
-        using value_type = W;
-        using difference_type = std::ptrdiff_t;
-        using pointer = W*;
-        using reference = W&;
-        iterator(Paarliste* l, std::size_t t) : l(l), t(t) { weiter(); }
-        W& operator*() const { return l->teile[t].an(b, k); }
-        W* operator->() const { return &**this; }
-        iterator& operator++() {
-            ++i;
-            if (++k == Paarspeicher<W>::blockgroesse(b)) {
-                ++b;
-                k = 0;
-            }
-            weiter();
-            return *this;
-        }
-        bool operator==(const iterator& o) const { return t == o.t && i == o.i; }
-        bool operator!=(const iterator& o) const { return !(*this == o); }
-
-    private:
-        // Past the end of a slab's pairs: on to the next slab that has any.
-        void weiter() {
-            while (t < l->slabs && i == l->teile[t].size()) {
-                ++t;
-                i = b = k = 0;
-            }
-        }
-        Paarliste* l;
-        std::size_t t, i = 0, b = 0, k = 0; // slab, index in it, block and place
     };
-    iterator begin() { return {this, 0}; }
-    iterator end() { return {this, slabs}; }
+    // What a particle's partners read of it, by slot.
+    struct Gas {
+        double rho = 0, p = 0, cs = 0;
+    };
 
-private:
-    std::size_t erstesBelegtes() const {
-        std::size_t t = 0;
-        while (t + 1 < slabs && teile[t].size() == 0)
-            ++t;
-        return t;
+    std::vector<Block> bloecke;
+    // The grid's positions and velocities, by slot.
+    const double *x = nullptr, *y = nullptr, *z = nullptr;
+    const double *vx = nullptr, *vy = nullptr, *vz = nullptr;
+    std::vector<Gas> gas;       // by slot: density, pressure, sound speed
+    std::vector<Tensor6> sigma; // by slot: shear tensor (viscous discs)
+    std::size_t eintraege = 0;  // entries of all lists: twice the pairs
+    // Passes of the gas discs already done since the search, and the terms
+    // asked for so far (the first pass of an evaluation forms them all).
+    unsigned erledigt = 0, gefragt = 0;
+
+    // S = 1 + the sum of the kernel values (without fak) of slot s's pairs
+    // in list order, each formed anew from the two positions.
+    double summeW(std::uint32_t s, const Kernel1& kern) const {
+        const Block& b = block(s);
+        double S = 1.0;
+        for (std::uint32_t k = erster(s), e = k + anzahl(s); k < e; ++k) {
+            const std::uint32_t q = b.partner[k] & ~naehert;
+            const double u[3] = {x[q] - x[s], y[q] - y[s], z[q] - z[s]};
+            double v[3] = {x[s] - x[q], y[s] - y[q], z[s] - z[q]};
+            S += kern.wert(std::sqrt(u[0] * u[0] + u[1] * u[1] + u[2] * u[2]), v);
+        }
+        return S;
     }
-    std::size_t slabs = 0;
+
+    std::size_t paare() const { return eintraege / 2; }
+    std::size_t anzahlBloecke(std::size_t n) const {
+        return (n + blockgroesse - 1) / blockgroesse;
+    }
+    // Storage for n particles in slot order.
+    void beginne(std::size_t n) {
+        const std::size_t b = anzahlBloecke(n);
+        if (bloecke.size() < b)
+            bloecke.resize(b);
+        mitVorrat(gas, n);
+        gas.resize(n);
+        erledigt = 0;
+    }
+    const Block& block(std::uint32_t slot) const { return bloecke[slot / blockgroesse]; }
+    std::uint32_t erster(std::uint32_t slot) const { return block(slot).anfang[slot % blockgroesse]; }
+    std::uint32_t anzahl(std::uint32_t slot) const {
+        const auto& a = block(slot).anfang;
+        return a[slot % blockgroesse + 1] - a[slot % blockgroesse];
+    }
 };
+
+// The pair list of a disc class whose pairs are of type W (the records are
+// formed on request only, see _paare).
+template <class W> class Paarliste : public Partnerliste {};

@@ -46,51 +46,11 @@ void PhysviscAkkScheibe::add_artvisc(PhysSystem& phys) {
 }
 
 // The four passes (pair tensors, particle tensors, pair vectors, particle
-// accelerations), each pair pass fused into the particle pass that follows
-// it: a particle forms the terms of its own pairs on the way, exactly as the
-// pair pass would, and each pair's first partner stores them in the pair.
-// Every particle sums over its own pairs in pair-list order.
+// accelerations), formed per particle: each particle's tensor from its own
+// pairs (with the gas terms, if not done), then each particle's viscous
+// acceleration from its pairs, the pair vectors formed on the way.
 void PhysviscAkkScheibe::add_physvisc(PhysSystem& phys) {
-    const double dfak = scheibe::kernel1(phys).dfak;
-    const double fs = dfak * phys.mTeilchen;
-    scheibe::_fuer_alle_teilchen(teilchen, *gitter, [&](PhysviscTeilchen& t) {
-        double s[6] = {0, 0, 0, 0, 0, 0};
-        scheibe::vorladen(t.pvww, &SphWW::dv, &SphWW::dW, &PhysviscWW::pt1,
-                          &PhysviscWW::sigmaTensor);
-        for (PhysviscWW* w : t.pvww) {
-            double paar[6];
-            w->schertensor(paar);
-            const PhysviscTeilchen* anderer = w->pt2;
-            if (w->pt1 != &t)
-                anderer = w->pt1;
-            else
-                for (int c = 0; c < 6; ++c)
-                    w->sigmaTensor[c] = paar[c];
-            for (int c = 0; c < 6; ++c)
-                s[c] += paar[c] / anderer->rho;
-        }
-        for (int c = 0; c < 6; ++c)
-            t.sigmaTensor[c] = s[c] * fs;
-    });
-    // The pair vectors take twelve divisions each: formed once per pair.
-    scheibe::_fuer_alle_paare(*ww, [&](PhysviscWW& w) { w.physvisc(phys); });
-    const double fa = phys.mTeilchen * phys.viskositaet * dfak;
-    scheibe::_fuer_alle_teilchen(teilchen, *gitter, [&](PhysviscTeilchen& t) {
-        double A[3] = {0, 0, 0};
-        scheibe::vorladen(t.pvww, &PhysviscWW::pt1, &PhysviscWW::physviscVektor);
-        for (const PhysviscWW* w : t.pvww) {
-            if (w->pt1 == &t) {
-                for (int k = 0; k < 3; ++k)
-                    A[k] += w->physviscVektor[k];
-            } else {
-                for (int k = 0; k < 3; ++k)
-                    A[k] += -w->physviscVektor[k];
-            }
-        }
-        for (int k = 0; k < 3; ++k) {
-            A[k] = A[k] * fa;
-            t.aPhysvisc[k] = A[k];
-            t.a[k] = t.a[k] + A[k];
-        }
-    });
+    scheibe::_gaspass(teilchen, *gitter, *ww, scheibe::scherung, phys);
+    scheibe::_proTeilchen(teilchen, *gitter, *ww, scheibe::kosten::viskos,
+                          [&](PhysviscTeilchen& t, std::uint32_t) { t.add_physvisc(phys); });
 }

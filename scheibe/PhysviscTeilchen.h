@@ -9,7 +9,7 @@ class PhysviscWW;
 // viscous acceleration.
 class PhysviscTeilchen : public PressArtviscTeilchen {
 public:
-    PaarSicht<PhysviscWW> pvww; // pairs of this particle (not owned)
+    PaarSicht<PhysviscWW> pvww; // pairs of this particle
     Vektor3 aPhysvisc{};        // viscous acceleration
     Tensor6 sigmaTensor{};      // shear tensor: xx, xy, xz, yy, yz, zz
 

@@ -1,5 +1,6 @@
 #include "scheibe/PhysviscWW.h"
 
+#include "scheibe/Paarterme.h"
 #include "scheibe/PhysviscTeilchen.h"
 
 #include <iostream>
@@ -18,14 +19,7 @@ void PhysviscWW::_init(PhysviscTeilchen* p, PhysviscTeilchen* q, const double s[
 }
 
 void PhysviscWW::schertensor(double s[6]) const {
-    const Vektor3& a = dv;
-    const Vektor3& b = dW;
-    s[0] = 1.3333333333333333 * a[0] * b[0] - 0.6666666666666666 * (a[1] * b[1] + a[2] * b[2]);
-    s[1] = a[0] * b[1] + a[1] * b[0];
-    s[2] = a[0] * b[2] + a[2] * b[0];
-    s[3] = 1.3333333333333333 * a[1] * b[1] - 0.6666666666666666 * (a[0] * b[0] + a[2] * b[2]);
-    s[4] = a[1] * b[2] + a[2] * b[1];
-    s[5] = 1.3333333333333333 * a[2] * b[2] - 0.6666666666666666 * (a[0] * b[0] + a[1] * b[1]);
+    scheibe::schertensor(dv.data(), dW.data(), s);
 }
 
 void PhysviscWW::sigma(PhysSystem&) {
@@ -51,13 +45,8 @@ Tensor6 PhysviscWW::sigma(PhysviscTeilchen* t) {
 }
 
 void PhysviscWW::viskosvektor(double p[3]) const {
-    double T[6];
-    for (int c = 0; c < 6; ++c)
-        T[c] = pt1->sigmaTensor[c] / pt2->rho + pt2->sigmaTensor[c] / pt1->rho;
-    const Vektor3& b = dW;
-    p[0] = T[0] * b[0] + T[1] * b[1] + T[2] * b[2];
-    p[1] = T[1] * b[0] + T[3] * b[1] + T[4] * b[2];
-    p[2] = T[2] * b[0] + T[4] * b[1] + T[5] * b[2];
+    scheibe::viskosvektor(pt1->sigmaTensor.data(), pt1->rho, pt2->sigmaTensor.data(), pt2->rho,
+                          dW.data(), p);
 }
 
 void PhysviscWW::physvisc(PhysSystem&) {

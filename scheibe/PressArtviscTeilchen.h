@@ -9,7 +9,7 @@ class PressArtviscWW;
 // pressure and artificial viscosity of the last evaluation.
 class PressArtviscTeilchen : public SphTeilchen {
 public:
-    PaarSicht<PressArtviscWW> paww; // pairs of this particle (not owned)
+    PaarSicht<PressArtviscWW> paww; // pairs of this particle
     Vektor3 aPress{};               // pressure acceleration
     Vektor3 aArtvisc{};             // artificial-viscosity acceleration
     double p = 0;                   // pressure
@@ -18,4 +18,6 @@ public:
 
     // Density and equation of state from the pairs in paww.
     void _force_init(PhysSystem& phys);
+    // The same from S = 1 + sum of W.
+    void dichte(double S, PhysSystem& phys);
 };

@@ -1,36 +1,32 @@
 #pragma once
 // Pressure and artificial viscosity of the gas discs, over the particle type
-// T and pair type W of a disc class (Monaghan 1992):
+// T and pair type W of a disc class (Monaghan 1992, eqs. 3.3 and 4.1-4.2):
 //   a_i = -m f_grad sum_j [(P_i + P_j)/(rho_i rho_j) + Pi_ij] grad_i W_ij,
 //   Pi_ij = (-alpha cbar_ij mu_ij + beta mu_ij^2) / rhobar_ij  for approaching pairs,
-//   mu_ij = h v_ij.r_ij / (r_ij^2 + 0.01 h^2).
-// Each pass first computes the pair terms, then accumulates per particle
-// over its pairs in list order; both partners see the pair's gradient with
-// opposite signs, so momentum is conserved.
+//   mu_ij = h v_ij.r_ij / (r_ij^2 + 0.01 h^2),
+// and the shear tensor of the viscous discs. Every particle forms the terms
+// of its own pairs, in pair-list order, from what it and its partner hold;
+// both partners of a pair form the same terms (Paarliste.h), so momentum is
+// conserved as with one term per pair.
 
 #include "physik/Kernel1.h"
 #include "physik/PhysSystem.h"
 #include "scheibe/Faeden.h"
 #include "scheibe/Gitter.h"
 #include "scheibe/Paare.h"
+#include "scheibe/Paarliste.h"
+#include "scheibe/Paarterme.h"
 #include "scheibe/PhysviscWW.h"
 
-#include "scheibe/Paarliste.h"
+#include <algorithm>
 #include <cmath>
+#include <type_traits>
 #include <vector>
 
 namespace scheibe {
 
 inline const Kernel1& kernel1(const PhysSystem& phys) {
     return *static_cast<const Kernel1*>(phys.kernel);
-}
-
-// Asks the memory system for the given fields of all of a particle's pair
-// records at once, before the sum walks them one by one: the records lie
-// apart, and fetching them one after the other would wait for each in turn.
-template <class L, class... F> void vorladen(const L& paare, F... felder) {
-    for (const auto* w : paare)
-        (__builtin_prefetch(&(w->*felder)), ...);
 }
 
 // Density rho = m fak S with S = 1 + sum of W, and the equation of state of
@@ -43,140 +39,135 @@ template <class T> void _zustand(T& t, double s, PhysSystem& phys) {
     t.cs = std::sqrt(3.4328e-14 * t.temperatur);
 }
 
-template <class T, class L> void _force_init(T& t, const L& paare, PhysSystem& phys) {
-    vorladen(paare, &SphWW::W);
-    double s = 1.0;
-    for (const auto* w : paare)
-        s += w->W;
-    _zustand(t, s, phys);
-}
-
-// The pressure term (P_i + P_j) / (rho_i rho_j) of a pair.
+// The pair records' terms, from the record and its two partners.
 template <class T> double _pressterm(const T* erster, const T* zweiter) {
-    return (erster->p + zweiter->p) / (erster->rho * zweiter->rho);
+    return pressterm(erster->p, erster->rho, zweiter->p, zweiter->rho);
 }
-
-// The viscosity term Pi_ij of a pair; zero unless the partners approach each
-// other (v_ij . r_ij < 0; also zero when that is not a number).
 template <class T, class W>
 double _piterm(const W& w, const T* erster, const T* zweiter, const PhysSystem& phys) {
     double s = w.dv[0] * w.r[0] + w.dv[1] * w.r[1] + w.dv[2] * w.r[2];
     if (!(s < 0))
         return 0;
-    const double h = phys.h;
-    double mu = h * s / (w.d * w.d + 0.01 * (h * h));
-    return mu * (-phys.alpha * (erster->cs + zweiter->cs) + 2 * phys.beta * mu) /
-           (erster->rho + zweiter->rho);
+    return piterm(mu(phys.h, s, w.d), erster->cs, erster->rho, zweiter->cs, zweiter->rho,
+                  phys.alpha, phys.beta);
 }
-
 template <class T, class W> void _press(W& w, T* erster, T* zweiter, PhysSystem&) {
     w.press = _pressterm(erster, zweiter);
 }
-
 template <class T, class W> void _pi(W& w, T* erster, T* zweiter, PhysSystem& phys) {
     w.pi = _piterm(w, erster, zweiter, phys);
 }
-
 // The pair's gradient as seen from particle t (zeros and a message for a
 // particle that is neither partner).
 template <class T, class W> Vektor3 _dW_ohne_fak(W& w, T* t) {
     return w._dW_ohne_fak(t);
 }
 
-// One particle's accumulation: A = -sum term(pair) g, scaled by m f_grad,
-// stored in `ziel` and added to the acceleration.
-template <class T, class L, class Term>
-void _sammle(T& t, T* self, const L& paare, PhysSystem& phys, Vektor3& ziel, Term term) {
-    double A[3] = {0, 0, 0};
-    double g[3];
-    for (auto* w : paare) {
-        w->dW_von(self, g);
-        const double f = term(*w);
-        for (int k = 0; k < 3; ++k)
-            A[k] = A[k] - f * g[k];
-    }
-    const double faktor = phys.mTeilchen * kernel1(phys).dfak;
-    for (int k = 0; k < 3; ++k) {
-        A[k] = A[k] * faktor;
-        ziel[k] = A[k];
-        t.a[k] = t.a[k] + A[k];
-    }
-}
+// The terms a pass over the pairs of a gas disc can form.
+enum Terme : unsigned { druck = 1, kuenstlich = 2, scherung = 4 };
 
-template <class T, class L>
-void _add_press(T& t, T* self, const L& paare, PhysSystem& phys) {
-    _sammle(t, self, paare, phys, t.aPress, [](const auto& w) { return w.press; });
-}
-
-template <class T, class L>
-void _add_artvisc(T& t, T* self, const L& paare, PhysSystem& phys) {
-    _sammle(t, self, paare, phys, t.aArtvisc, [](const auto& w) { return w.pi; });
-}
-
-// A pair pass: f(pair) for every pair, each slab's pairs on one thread.
-template <class W, class F> void _fuer_alle_paare(Paarliste<W>& ww, F f) {
-    const std::ptrdiff_t slabs = static_cast<std::ptrdiff_t>(ww.anzahlTeile());
-#pragma omp parallel for schedule(static, 1) if (slabs > 1)
-    for (std::ptrdiff_t sl = 0; sl < slabs; ++sl)
-        ww.teile[std::size_t(sl)].fuer_alle(f);
-}
-
-// A particle pass: f(particle) for every particle, in the grid's slot order.
-template <class T, class F> void _fuer_alle_teilchen(std::vector<T>& teilchen, const Gitter<T>& g, F f) {
-    g.fuerJedenSlot(teilchen.size(), [&](std::size_t i) { f(teilchen[i]); });
-}
-
-// One particle's accumulation A = -m f_grad sum term(pair) g over its pairs
-// in pair-list order, with each pair's term formed on the way from the pair
-// and its two partners, first and second, as the pair pass would form it;
-// the pair's first partner stores it in the pair (`feld`), so that after the
-// pass every pair holds its term. The sum is this particle's own, so the
-// particles can be handled in any order and on any thread. The partners are
-// read through the gas pair's own pointers (the same particles as those of a
-// viscous pair), which lie next to the gradient and the two terms.
-template <class T, class W, class Term, class... Felder>
-void _sammleMitTerm(T& t, PhysSystem& phys, Vektor3& ziel, double PressArtviscWW::*feld,
-                    Term term, Felder... gelesen) {
-    double A[3] = {0, 0, 0};
-    vorladen(paare(t), &PressArtviscWW::pt1, &SphWW::dW, feld, gelesen...);
-    for (PressArtviscWW* w : paare(t)) {
-        const double f = term(*w);
-        if (w->pt1 == &t) {
-            w->*feld = f;
-            for (int k = 0; k < 3; ++k)
-                A[k] = A[k] - f * w->dW[k];
-        } else {
-            for (int k = 0; k < 3; ++k) {
-                const double g = -w->dW[k];
-                A[k] = A[k] - f * g;
-            }
+// One particle's sums over its pairs in list order (slot x): the pressure
+// acceleration A = -m f_grad sum press g, the artificial viscosity
+// B = -m f_grad sum Pi g, the shear tensor sigma = f_grad m sum
+// (pair tensor / rho_partner), each as `terme` asks; g is the gradient seen
+// from the particle. Stored in the particle; added to `a` by the forces.
+template <class T>
+void _gasterme(T& t, Partnerliste& ww, std::uint32_t x, unsigned terme, const PhysSystem& phys) {
+    const Partnerliste::Block& b = ww.block(x);
+    const Partnerliste::Gas* gas = ww.gas.data();
+    const Partnerliste::Gas ich = gas[x];
+    const double alpha = phys.alpha, beta = phys.beta;
+    double A[3] = {0, 0, 0}, B[3] = {0, 0, 0}, S[6] = {0, 0, 0, 0, 0, 0};
+    for (std::uint32_t k = ww.erster(x), e = k + ww.anzahl(x); k < e; ++k) {
+        const std::uint32_t q = b.partner[k] & ~Partnerliste::naehert;
+        const double g[3] = {b.gx[k], b.gy[k], b.gz[k]};
+        const Partnerliste::Gas du = gas[q];
+        if (terme & druck) {
+            const double f = pressterm(ich.p, ich.rho, du.p, du.rho);
+            for (int c = 0; c < 3; ++c)
+                A[c] = A[c] - f * g[c];
+        }
+        if (terme & kuenstlich) {
+            double f = 0;
+            if (b.partner[k] & Partnerliste::naehert)
+                f = piterm(b.mu[k], ich.cs, ich.rho, du.cs, du.rho, alpha, beta);
+            for (int c = 0; c < 3; ++c)
+                B[c] = B[c] - f * g[c];
+        }
+        if (terme & scherung) {
+            const double dv[3] = {ww.vx[q] - ww.vx[x], ww.vy[q] - ww.vy[x], ww.vz[q] - ww.vz[x]};
+            double paar[6];
+            schertensor(dv, g, paar);
+            for (int c = 0; c < 6; ++c)
+                S[c] += paar[c] / du.rho;
         }
     }
     const double faktor = phys.mTeilchen * kernel1(phys).dfak;
-    for (int k = 0; k < 3; ++k) {
-        A[k] = A[k] * faktor;
-        ziel[k] = A[k];
-        t.a[k] = t.a[k] + A[k];
+    if (terme & druck)
+        for (int c = 0; c < 3; ++c)
+            t.aPress[c] = A[c] * faktor;
+    if (terme & kuenstlich)
+        for (int c = 0; c < 3; ++c)
+            t.aArtvisc[c] = B[c] * faktor;
+    if constexpr (std::is_base_of_v<PhysviscTeilchen, T>) {
+        if (terme & scherung) {
+            const double fs = kernel1(phys).dfak * phys.mTeilchen;
+            for (int c = 0; c < 6; ++c)
+                t.sigmaTensor[c] = S[c] * fs;
+            ww.sigma[x] = t.sigmaTensor;
+        }
     }
 }
 
-// The whole passes: every pair's term, then every particle's sum, fused into
-// one pass over the particles.
+// f(particle, slot) for every particle in slot order, in blocks over the
+// threads when the work (`ns` per list entry) pays.
+template <class T, class F>
+void _proTeilchen(std::vector<T>& teilchen, const Gitter<T>& g, const Partnerliste& ww, double ns,
+                  F f) {
+    const std::size_t n = std::min(teilchen.size(), g.index.size());
+    const double arbeit = double(ww.eintraege) * ns + double(n) * kosten::teilchen;
+    fuerBloecke(ww.anzahlBloecke(n), lohnt(arbeit), [&](std::size_t b) {
+        const std::size_t s1 = std::min(n, (b + 1) * Partnerliste::blockgroesse);
+        for (std::size_t x = b * Partnerliste::blockgroesse; x < s1; ++x)
+            f(teilchen[g.index[x]], std::uint32_t(x));
+    });
+}
+
+// Forms the term `term` of this evaluation unless done: the first call after
+// a pair search forms every term asked for so far in one pass over the
+// pairs, so that a disc with several forces reads its pairs once.
 template <class T, class W>
-void _add_press(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>*, PhysSystem& phys) {
-    _fuer_alle_teilchen(teilchen, g, [&](T& t) {
-        _sammleMitTerm<T, W>(t, phys, t.aPress, &W::press,
-                       [](const PressArtviscWW& w) { return _pressterm(w.pt1, w.pt2); });
+void _gaspass(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>& ww, unsigned term,
+              PhysSystem& phys) {
+    ww.gefragt |= term;
+    if (ww.erledigt & term)
+        return;
+    const unsigned terme = ww.gefragt & ~ww.erledigt;
+    if (terme & scherung) {
+        mitVorrat(ww.sigma, ww.gas.size());
+        ww.sigma.resize(ww.gas.size());
+    }
+    _proTeilchen(teilchen, g, ww, kosten::gas,
+                 [&](T& t, std::uint32_t x) { _gasterme(t, ww, x, terme, phys); });
+    ww.erledigt |= terme;
+}
+
+// The whole passes: the terms, then each particle's acceleration added.
+template <class T, class W>
+void _add_press(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>* ww, PhysSystem& phys) {
+    _gaspass(teilchen, g, *ww, druck, phys);
+    _proTeilchen(teilchen, g, *ww, 0, [](T& t, std::uint32_t) {
+        for (int c = 0; c < 3; ++c)
+            t.a[c] = t.a[c] + t.aPress[c];
     });
 }
 
 template <class T, class W>
-void _add_artvisc(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>*, PhysSystem& phys) {
-    _fuer_alle_teilchen(teilchen, g, [&](T& t) {
-        _sammleMitTerm<T, W>(t, phys, t.aArtvisc, &W::pi,
-                       [&](const PressArtviscWW& w) { return _piterm(w, w.pt1, w.pt2, phys); },
-                       &SphWW::r,
-                       &SphWW::dv);
+void _add_artvisc(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>* ww, PhysSystem& phys) {
+    _gaspass(teilchen, g, *ww, kuenstlich, phys);
+    _proTeilchen(teilchen, g, *ww, 0, [](T& t, std::uint32_t) {
+        for (int c = 0; c < 3; ++c)
+            t.a[c] = t.a[c] + t.aArtvisc[c];
     });
 }
 

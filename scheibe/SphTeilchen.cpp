@@ -2,11 +2,12 @@
 
 #include "physik/Kernel1.h"
 #include "physik/PhysSystem.h"
-#include "scheibe/SphWW.h"
 
 void SphTeilchen::_force_init(PhysSystem& phys) {
-    double s = 1.0;
-    for (const SphWW* w : ww)
-        s += w->W;
-    rho = s * phys.mTeilchen * static_cast<Kernel1*>(phys.kernel)->fak;
+    const Kernel1& kern = *static_cast<const Kernel1*>(phys.kernel);
+    dichte(ww.paarliste() ? ww.paarliste()->summeW(ww.slot(), kern) : 1.0, phys);
+}
+
+void SphTeilchen::dichte(double S, PhysSystem& phys) {
+    rho = S * phys.mTeilchen * static_cast<Kernel1*>(phys.kernel)->fak;
 }

@@ -10,10 +10,12 @@ class SphWW;
 // its density.
 class SphTeilchen : public Teilchen {
 public:
-    PaarSicht<SphWW> ww; // pairs of this particle (not owned), rebuilt per evaluation
+    PaarSicht<SphWW> ww; // pairs of this particle, rebuilt per evaluation
     double rho = 0;      // SPH density, solar masses / solar radii^3
 
     // rho = m fak (1 + sum of W over the pairs): the 1 is the particle's own
     // kernel value at distance 0.
     void _force_init(PhysSystem& phys);
+    // The same from S = 1 + sum of W, in the order (S m) fak.
+    void dichte(double S, PhysSystem& phys);
 };

@@ -14,12 +14,15 @@
 #include "scheibe/Ganzzahl.h"
 #include "scheibe/Gitter.h"
 #include "scheibe/Paare.h"
+#include "physik/Kernel1.h"
 #include "scheibe/Paarliste.h"
 #include "scheibe/ScheibenTemplates.h"
 #include "scheibe/SphAkkScheibe.h"
 #include "scheibe/Vorrat.h"
 
+#include <algorithm>
 #include <cmath>
+#include <type_traits>
 #include <cstdint>
 #include <iostream>
 #include <vector>
@@ -76,100 +79,104 @@ template <class T> void _binne(const SphAkkScheibe& disc, std::vector<T>& teilch
     });
 }
 
-// Bins the particles, appends every pair closer than h (strictly) to ww and
-// builds the index through which each particle lists its pairs.
-//
-// The home planes are split into slabs, one per thread; each slab searches
-// its planes in order into its own storage, so the list (the slabs joined in
-// slab order) holds the pairs in the order of one search over all planes.
-// Each slab also counts the pairs of every particle; from the counts each
-// particle's stretch of the index is laid out, the earlier slabs' pairs
-// first, so every particle lists its pairs in pair-list order.
+// The pair search and each particle's density, one pass over the particles
+// in slot order, in blocks handed to the threads one at a time: each
+// particle's accelerations to zero, its partners found from its own side
+// (Gitter::partner) in pair-list order, the kernel value of each summed into
+// its density as it is found, the gradient and the viscosity factor of each
+// kept in its list; then its density (and, for the gas discs, its equation
+// of state). Every pair is found by both its partners, from the same
+// coordinates, so both lists agree.
 template <class T, class W>
 void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paarliste<W>& ww,
                PhysSystem& phys) {
+    constexpr bool gas = std::is_base_of_v<PressArtviscTeilchen, T>;
     const std::size_t n = teilchen.size();
+    // Work of the last search, to decide whether the threads pay.
+    const double arbeit = double(ww.eintraege > n ? ww.eintraege : n);
     _binne(disc, teilchen, g);
-    const std::size_t anzahl = anzahlSlabs(n);
-    ww.beginne(anzahl);
-    g.slabs(anzahl, ww.grenzen);
-
-    Kernel& kernel = *phys.kernel;
-    const double h2 = disc.h2;
-    const double *vx = g.vx.data(), *vy = g.vy.data(), *vz = g.vz.data();
-    const std::ptrdiff_t slabs = static_cast<std::ptrdiff_t>(anzahl);
-#pragma omp parallel for schedule(static, 1) if (slabs > 1)
-    for (std::ptrdiff_t sl = 0; sl < slabs; ++sl) {
-        Paarspeicher<W>& teil = ww.teile[std::size_t(sl)];
-        std::vector<std::uint32_t>& zaehler = ww.zaehler[std::size_t(sl)];
-        zaehler.assign(n, 0);
-        // p is the particle of the outer loop and becomes the pair's first partner.
-        g.suche(h2, ww.grenzen[std::size_t(sl)], ww.grenzen[std::size_t(sl) + 1] - 1,
-                [&](std::uint32_t p, std::uint32_t q, const double s[3], double s2) {
-                    const std::uint32_t ip = g.index[p], iq = g.index[q];
-                    const double dv[3] = {vx[q] - vx[p], vy[q] - vy[p], vz[q] - vz[p]};
-                    W& w = teil.emplace_back();
-                    w._init(&teilchen[ip], &teilchen[iq], s, s2, dv, kernel);
-                    ++zaehler[p];
-                    ++zaehler[q];
-                });
-    }
-
-    // The pairs of the particle in slot s go to index[start[s] ..]: in slot
-    // order, so that a pass over the particles in slot order reads the index
-    // front to back. The counts become each slab's place within a stretch.
-    ww.start.resize(n + 1);
-    ww.start[0] = 0;
-    const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
-#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
-    for (std::ptrdiff_t s = 0; s < nn; ++s) {
-        std::uint32_t vorher = 0;
-        for (std::size_t sl = 0; sl < anzahl; ++sl) {
-            const std::uint32_t c = ww.zaehler[sl][std::size_t(s)];
-            ww.zaehler[sl][std::size_t(s)] = vorher;
-            vorher += c;
+    ww.beginne(n);
+    ww.x = g.x.data();
+    ww.y = g.y.data();
+    ww.z = g.z.data();
+    ww.vx = g.vx.data();
+    ww.vy = g.vy.data();
+    ww.vz = g.vz.data();
+    const Kernel1& kern = *static_cast<const Kernel1*>(phys.kernel);
+    const double h2 = disc.h2, h = phys.h, hh = 0.01 * (h * h);
+    const double *X = g.x.data(), *Y = g.y.data(), *Z = g.z.data();
+    const double *VX = g.vx.data(), *VY = g.vy.data(), *VZ = g.vz.data();
+    const std::size_t bloecke = ww.anzahlBloecke(n);
+    fuerBloecke(bloecke, lohnt(arbeit * kosten::suche), [&](std::size_t b) {
+        Partnerliste::Block& bl = ww.bloecke[b];
+        bl.leeren();
+        const std::uint32_t s0 = std::uint32_t(b * Partnerliste::blockgroesse);
+        const std::uint32_t s1 = std::uint32_t(std::min(n, (b + 1) * Partnerliste::blockgroesse));
+        bl.anfang.resize(Partnerliste::blockgroesse + 1);
+        for (std::uint32_t x = s0; x < s1; ++x) {
+            bl.anfang[x - s0] = std::uint32_t(bl.partner.size());
+            T& t = teilchen[g.index[x]];
+            t.init();
+            paare(t).zeige(&ww, x);
+            double S = 1.0;
+            g.partner(x, [&](std::uint32_t q) {
+                // Separation and velocity difference partner - self: the
+                // pair's own for its first partner, negated for its second.
+                const double e[3] = {X[q] - X[x], Y[q] - Y[x], Z[q] - Z[x]};
+                const double e2 = e[0] * e[0] + e[1] * e[1] + e[2] * e[2];
+                if (!(e2 < h2))
+                    return;
+                const double d = std::sqrt(e2);
+                double v[3] = {X[x] - X[q], Y[x] - Y[q], Z[x] - Z[q]};
+                S += kern.wert(d, v);
+                std::uint32_t p = q;
+                double mu = 0;
+                if constexpr (gas) {
+                    const double dv[3] = {VX[q] - VX[x], VY[q] - VY[x], VZ[q] - VZ[x]};
+                    const double sp = dv[0] * e[0] + dv[1] * e[1] + dv[2] * e[2];
+                    if (sp < 0) {
+                        mu = h * sp / (d * d + hh);
+                        p |= Partnerliste::naehert;
+                    }
+                }
+                bl.anhaengen(p, v, mu);
+            });
+            t.dichte(S, phys);
+            if constexpr (gas)
+                ww.gas[x] = {t.rho, t.p, t.cs};
         }
-        ww.start[std::size_t(s) + 1] = vorher;
-    }
-    laufendeSumme(ww.start.data() + 1, n, ww.blocksumme);
-    mitVorrat(ww.index, ww.start[n]);
-    ww.index.resize(ww.start[n]);
-
-    T* basis = teilchen.data();
-    const std::uint32_t* slot = g.slot.data();
-#pragma omp parallel for schedule(static, 1) if (slabs > 1)
-    for (std::ptrdiff_t sl = 0; sl < slabs; ++sl) {
-        std::vector<std::uint32_t>& platz = ww.zaehler[std::size_t(sl)];
-        ww.teile[std::size_t(sl)].fuer_alle([&](W& w) {
-            const std::uint32_t s1 = slot[static_cast<T*>(w.t1) - basis];
-            const std::uint32_t s2 = slot[static_cast<T*>(w.t2) - basis];
-            ww.index[ww.start[s1] + platz[s1]++] = &w;
-            ww.index[ww.start[s2] + platz[s2]++] = &w;
-        });
-    }
-    g.fuerJedenSlot(n, [&](std::size_t i) {
-        const std::size_t s = slot[i], a = ww.start[s], e = ww.start[s + 1];
-        paare(teilchen[i]).zeige(ww.index.data() + a, e - a);
+        bl.anfang[s1 - s0] = std::uint32_t(bl.partner.size());
     });
+    std::size_t e = 0;
+    for (std::size_t b = 0; b < bloecke; ++b)
+        e += ww.bloecke[b].partner.size();
+    ww.eintraege = e;
 }
 
 // Preparation of every evaluation of the forces: accelerations to zero, the
-// pairs anew, the pair count on the console, and each particle's own state
-// (density, and the equation of state for the gas discs), each particle
-// summing the kernel values of its own pairs in pair-list order.
+// pairs anew, each particle's own state (density, and the equation of state
+// for the gas discs), and the pair count on the console.
 template <class T, class W>
 void _force_init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter, Paarliste<W>& ww,
                  PhysSystem& phys) {
-    const std::ptrdiff_t n = static_cast<std::ptrdiff_t>(teilchen.size());
-#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
-    for (std::ptrdiff_t i = 0; i < n; ++i) {
-        T& t = teilchen[std::size_t(i)];
-        t.init();
-        paare(t).clear();
-    }
     _createww(disc, teilchen, gitter, ww, phys);
-    std::cout << "Anzahl WWPartnern: " << static_cast<unsigned>(ww.size()) << '\n';
-    gitter.fuerJedenSlot(teilchen.size(), [&](std::size_t i) { teilchen[i]._force_init(phys); });
+    std::cout << "Anzahl WWPartnern: " << static_cast<unsigned>(ww.paare()) << '\n';
+}
+
+// The disc's pairs as records in pair-list order, each filled by its own
+// _init from the grid of the last force_init (for tests and tools; the
+// passes form the pair terms where they use them).
+template <class W, class T>
+std::vector<W> _paare(SphAkkScheibe& disc, std::vector<T>& teilchen, const Gitter<T>& g,
+                      PhysSystem& phys) {
+    std::vector<W> paare;
+    const double *vx = g.vx.data(), *vy = g.vy.data(), *vz = g.vz.data();
+    g.suche(disc.h2, [&](std::uint32_t p, std::uint32_t q, const double s[3], double s2) {
+        const double dv[3] = {vx[q] - vx[p], vy[q] - vy[p], vz[q] - vz[p]};
+        paare.emplace_back()._init(&teilchen[g.index[p]], &teilchen[g.index[q]], s, s2, dv,
+                                   *phys.kernel);
+    });
+    return paare;
 }
 
 } // namespace scheibe

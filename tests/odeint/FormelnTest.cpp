@@ -1,19 +1,21 @@
 // Every formula of the force evaluation and of the stepper's stages against
 // a literal transcription of its definition, bit for bit, on a random disc
-// of 4000 particles (some 30 000 pairs), on one thread and on three. The
+// of 4000 particles (some 30 000 pairs), on one thread and on three; the
+// pairs from a literal search, so each particle's list is compared, entry
+// by entry, with the order the definition gives it. The
 // transcriptions follow the written operation order and grouping (x*x + y*y
 // then + z*z; 0.01 * (h*h); h * (b * k) added in order), so a regrouped sum
 // or a reordered product in the optimised code shows up here even where a
-// whole run, rounded to six digits, would not show it. The pairs of a
-// particle are taken from the pair list itself, in its order: on three
-// threads this also checks that every particle sums exactly its pairs, in
-// pair-list order, however the pair search was split.
+// whole run, rounded to six digits, would not show it.
 
 #include "odeint/RungeKutta.h"
+#include "scheibe/PressArtviscTemplates.h"
+#include "scheibe/SphTemplates.h"
 #include "tests/odeint/Zufallsscheibe.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <map>
@@ -45,7 +47,56 @@ double kern(double h, double r, double v[3]) {
     return 2 * (((1 - q) * (1 - q)) * (1 - q));
 }
 
-// The random disc with h = 0.0237 (some 30 000 pairs) on GetParam() threads.
+// The pair list as the definition builds it, literally: a grid of nested
+// vectors over the box, the particles binned with ceil in vector order
+// (clamped into the border cells), the home cells in (i, j, k) order, each
+// with itself (m < n) and its 13 forward neighbours (the neighbour's
+// particle first), pairs strictly closer than h.
+std::vector<std::pair<int, int>> literaleSuche(const PhysviscAkkScheibe& s) {
+    const std::vector<PhysviscTeilchen>& t = s.teilchen;
+    int n[3];
+    for (int c = 0; c < 3; ++c)
+        n[c] = int(std::floor((s.max[c] - s.min[c]) / s.h)) + 2;
+    std::vector<std::vector<std::vector<std::vector<int>>>> g(
+        n[0], std::vector<std::vector<std::vector<int>>>(n[1], std::vector<std::vector<int>>(n[2])));
+    for (int i = 0; i < int(t.size()); ++i) {
+        int z[3];
+        for (int c = 0; c < 3; ++c)
+            z[c] = std::clamp(int(std::ceil((t[i].r[c] - s.min[c]) / s.h)), 0, n[c] - 1);
+        g[z[0]][z[1]][z[2]].push_back(i);
+    }
+    std::vector<std::pair<int, int>> paare;
+    auto paar = [&](int p, int q) {
+        double d[3];
+        for (int c = 0; c < 3; ++c)
+            d[c] = t[q].r[c] - t[p].r[c];
+        if ((d[0] * d[0] + d[1] * d[1]) + d[2] * d[2] < s.h2)
+            paare.push_back({p, q});
+    };
+    for (int i = 1; i <= n[0] - 2; ++i)
+        for (int j = 1; j <= n[1] - 2; ++j)
+            for (int k = 1; k <= n[2] - 2; ++k) {
+                const std::vector<int>& H = g[i][j][k];
+                for (std::size_t a = 0; a < H.size(); ++a)
+                    for (std::size_t b = a + 1; b < H.size(); ++b)
+                        paar(H[a], H[b]);
+                auto nachbar = [&](int a, int b, int c) {
+                    for (int p : g[a][b][c])
+                        for (int q : H)
+                            paar(p, q);
+                };
+                nachbar(i, j, k + 1);
+                for (int c = -1; c <= 1; ++c)
+                    nachbar(i, j + 1, k + c);
+                for (int b = -1; b <= 1; ++b)
+                    for (int c = -1; c <= 1; ++c)
+                        nachbar(i + 1, j + b, k + c);
+            }
+    return paare;
+}
+
+// The random disc with h = 0.0237 (some 30 000 pairs) on GetParam() threads,
+// every loop spread over them however small.
 struct Formeln : ::testing::TestWithParam<int> {
     hilfen::Fadenzahl faeden{GetParam()};
     hilfen::Zufallslauf l{"Anfangsschrittweite 20 Viskositaet 3e-7 Smoothinglength 0.0237", 11};
@@ -57,58 +108,81 @@ TEST_P(Formeln, KraefteWieIhreDefinition) {
     const PhysSystem& ph = l.phys;
     const double m = ph.mTeilchen, h = ph.h, fak = l.kernel.fak, dfak = l.kernel.dfak;
     std::vector<PhysviscTeilchen>& t = l.s.teilchen;
-    auto nr = [&](const PhysviscTeilchen* x) { return long(x - t.data()); };
     Vergleich v;
 
-    // Pair records: separation, distance, velocity difference, kernel and gradient.
-    std::map<const PhysviscTeilchen*, std::vector<const PhysviscWW*>> liste;
-    long nPaar = 0;
-    for (const PhysviscWW& w : *l.s.ww) {
-        const PhysviscTeilchen &a = *w.pt1, &b = *w.pt2;
-        liste[&a].push_back(&w);
-        liste[&b].push_back(&w);
-        double sep[3], g[3];
-        for (int c = 0; c < 3; ++c)
-            sep[c] = b.r[c] - a.r[c], g[c] = -sep[c];
-        const double dist = std::sqrt((sep[0] * sep[0] + sep[1] * sep[1]) + sep[2] * sep[2]);
-        v(w.d, dist, "d", nPaar);
-        v(w.W, kern(h, dist, g), "W", nPaar);
-        for (int c = 0; c < 3; ++c) {
-            v(w.r[c], sep[c], "r", nPaar);
-            v(w.dv[c], b.v[c] - a.v[c], "dv", nPaar);
-            v(w.dW[c], g[c], "dW", nPaar);
-        }
-        ++nPaar;
+    // Every particle lists its partners in the order of the literal search.
+    const std::vector<std::pair<int, int>> paare = literaleSuche(l.s);
+    ASSERT_GT(paare.size(), 20000u);
+    std::vector<std::vector<long>> liste(t.size()); // each particle's pairs, by number
+    for (std::size_t n = 0; n < paare.size(); ++n) {
+        liste[std::size_t(paare[n].first)].push_back(long(n));
+        liste[std::size_t(paare[n].second)].push_back(long(n));
     }
-    ASSERT_GT(nPaar, 20000);
+    for (std::size_t i = 0; i < t.size(); ++i) {
+        const PaarSicht<PhysviscWW>& sicht = t[i].pvww;
+        ASSERT_EQ(sicht.size(), liste[i].size()) << "particle " << i;
+        for (std::size_t k = 0; k < sicht.size(); ++k) {
+            const auto [p, q] = paare[std::size_t(liste[i][k])];
+            ASSERT_EQ(long(l.s.gitter->index[sicht.partner(k)]), long(p) == long(i) ? q : p)
+                << "particle " << i << ", pair " << k;
+        }
+    }
+
+    // The pair records on request: separation, distance, velocity difference,
+    // kernel and gradient, and the pair terms.
+    const std::vector<PhysviscWW> ww = scheibe::_paare<PhysviscWW>(l.s, t, *l.s.gitter, l.phys);
+    ASSERT_EQ(ww.size(), paare.size());
+    struct Paar {
+        double d, W, sep[3], dv[3], g[3], press, pi, sig[6], pv[3];
+    };
+    std::vector<Paar> soll(paare.size());
+    for (std::size_t n = 0; n < paare.size(); ++n) {
+        const PhysviscTeilchen &a = t[std::size_t(paare[n].first)], &b = t[std::size_t(paare[n].second)];
+        Paar& P = soll[n];
+        for (int c = 0; c < 3; ++c)
+            P.sep[c] = b.r[c] - a.r[c], P.g[c] = -P.sep[c], P.dv[c] = b.v[c] - a.v[c];
+        P.d = std::sqrt((P.sep[0] * P.sep[0] + P.sep[1] * P.sep[1]) + P.sep[2] * P.sep[2]);
+        P.W = kern(h, P.d, P.g);
+        const PhysviscWW& w = ww[n];
+        ASSERT_EQ(w.pt1, &a);
+        ASSERT_EQ(w.pt2, &b);
+        v(w.d, P.d, "d", long(n));
+        v(w.W, P.W, "W", long(n));
+        for (int c = 0; c < 3; ++c) {
+            v(w.r[c], P.sep[c], "r", long(n));
+            v(w.dv[c], P.dv[c], "dv", long(n));
+            v(w.dW[c], P.g[c], "dW", long(n));
+        }
+    }
 
     // Density and equation of state.
-    for (const PhysviscTeilchen& x : t) {
+    for (std::size_t i = 0; i < t.size(); ++i) {
         double S = 1.0;
-        for (const PhysviscWW* w : liste[&x])
-            S += w->W;
+        for (long n : liste[i])
+            S += soll[std::size_t(n)].W;
         const double rho = (m * fak) * S;
         const double T = 14565369377.767422 * std::pow(rho, 0.6666666666666667);
-        v(x.rho, rho, "rho", nr(&x));
-        v(x.p, 0.0005 * std::pow(rho, 1.6666666666666667), "p", nr(&x));
-        v(x.temperatur, T, "temperatur", nr(&x));
-        v(x.cs, std::sqrt(3.4328e-14 * T), "cs", nr(&x));
+        v(t[i].rho, rho, "rho", long(i));
+        v(t[i].p, 0.0005 * std::pow(rho, 1.6666666666666667), "p", long(i));
+        v(t[i].temperatur, T, "temperatur", long(i));
+        v(t[i].cs, std::sqrt(3.4328e-14 * T), "cs", long(i));
     }
 
     // Pair terms: pressure, artificial viscosity (approaching pairs only),
-    // the pair's shear tensor and viscous vector.
-    nPaar = 0;
-    for (const PhysviscWW& w : *l.s.ww) {
-        const PhysviscTeilchen &a = *w.pt1, &b = *w.pt2;
-        v(w.press, (a.p + b.p) / (a.rho * b.rho), "press", nPaar);
-        const double sp = (w.dv[0] * w.r[0] + w.dv[1] * w.r[1]) + w.dv[2] * w.r[2];
-        double pi = 0;
+    // the pair's shear tensor and, from the particles' tensors, its viscous
+    // vector; each also as the record's own operations give it.
+    PhysSystem& phys = l.phys;
+    for (std::size_t n = 0; n < paare.size(); ++n) {
+        const PhysviscTeilchen &a = t[std::size_t(paare[n].first)], &b = t[std::size_t(paare[n].second)];
+        Paar& P = soll[n];
+        P.press = (a.p + b.p) / (a.rho * b.rho);
+        const double sp = (P.dv[0] * P.sep[0] + P.dv[1] * P.sep[1]) + P.dv[2] * P.sep[2];
+        P.pi = 0;
         if (sp < 0) {
-            const double mu = (h * sp) / (w.d * w.d + 0.01 * (h * h));
-            pi = (mu * (-ph.alpha * (a.cs + b.cs) + (2 * ph.beta) * mu)) / (a.rho + b.rho);
+            const double mu = (h * sp) / (P.d * P.d + 0.01 * (h * h));
+            P.pi = (mu * (-ph.alpha * (a.cs + b.cs) + (2 * ph.beta) * mu)) / (a.rho + b.rho);
         }
-        v(w.pi, pi, "pi", nPaar);
-        const Vektor3 &x = w.dv, &y = w.dW;
+        const double *x = P.dv, *y = P.g;
         const double sig[6] = {
             (1.3333333333333333 * x[0]) * y[0] - 0.6666666666666666 * (x[1] * y[1] + x[2] * y[2]),
             x[0] * y[1] + x[1] * y[0],
@@ -116,37 +190,48 @@ TEST_P(Formeln, KraefteWieIhreDefinition) {
             (1.3333333333333333 * x[1]) * y[1] - 0.6666666666666666 * (x[0] * y[0] + x[2] * y[2]),
             x[1] * y[2] + x[2] * y[1],
             (1.3333333333333333 * x[2]) * y[2] - 0.6666666666666666 * (x[0] * y[0] + x[1] * y[1])};
-        for (int c = 0; c < 6; ++c)
-            v(w.sigmaTensor[c], sig[c], "sigma of the pair", nPaar);
         double T[6];
         for (int c = 0; c < 6; ++c)
-            T[c] = a.sigmaTensor[c] / b.rho + b.sigmaTensor[c] / a.rho;
-        v(w.physviscVektor[0], (T[0] * y[0] + T[1] * y[1]) + T[2] * y[2], "physvisc", nPaar);
-        v(w.physviscVektor[1], (T[1] * y[0] + T[3] * y[1]) + T[4] * y[2], "physvisc", nPaar);
-        v(w.physviscVektor[2], (T[2] * y[0] + T[4] * y[1]) + T[5] * y[2], "physvisc", nPaar);
-        ++nPaar;
+            P.sig[c] = sig[c], T[c] = a.sigmaTensor[c] / b.rho + b.sigmaTensor[c] / a.rho;
+        P.pv[0] = (T[0] * y[0] + T[1] * y[1]) + T[2] * y[2];
+        P.pv[1] = (T[1] * y[0] + T[3] * y[1]) + T[4] * y[2];
+        P.pv[2] = (T[2] * y[0] + T[4] * y[1]) + T[5] * y[2];
+        PhysviscWW w = ww[n];
+        scheibe::_press(w, w.pt1, w.pt2, phys);
+        scheibe::_pi(w, w.pt1, w.pt2, phys);
+        w.sigma(phys);
+        w.physvisc(phys);
+        v(w.press, P.press, "press", long(n));
+        v(w.pi, P.pi, "pi", long(n));
+        for (int c = 0; c < 6; ++c)
+            v(w.sigmaTensor[c], P.sig[c], "sigma of the pair", long(n));
+        for (int c = 0; c < 3; ++c)
+            v(w.physviscVektor[c], P.pv[c], "physvisc", long(n));
     }
 
     // Particle sums over the particle's pairs in list order, and the
     // acceleration: external force, then pressure, artificial and physical
     // viscosity, each added to what came before.
     const double G = -3.9371199385708905e-7, om = ph.omega, om2 = std::pow(om, 2.0);
-    for (const PhysviscTeilchen& x : t) {
+    for (std::size_t i = 0; i < t.size(); ++i) {
+        const PhysviscTeilchen& x = t[i];
         double P[3] = {0, 0, 0}, Q[3] = {0, 0, 0}, V[3] = {0, 0, 0}, S[6] = {0, 0, 0, 0, 0, 0};
-        for (const PhysviscWW* w : liste[&x]) {
-            const bool erster = w->pt1 == &x;
-            const PhysviscTeilchen* anderer = erster ? w->pt2 : w->pt1;
+        for (long n : liste[i]) {
+            const Paar& w = soll[std::size_t(n)];
+            const bool erster = paare[std::size_t(n)].first == int(i);
+            const PhysviscTeilchen& anderer = t[std::size_t(erster ? paare[std::size_t(n)].second
+                                                                   : paare[std::size_t(n)].first)];
             for (int c = 0; c < 3; ++c) {
-                const double g = erster ? w->dW[c] : -w->dW[c];
-                P[c] = P[c] - w->press * g;
-                Q[c] = Q[c] - w->pi * g;
-                V[c] += erster ? w->physviscVektor[c] : -w->physviscVektor[c];
+                const double g = erster ? w.g[c] : -w.g[c];
+                P[c] = P[c] - w.press * g;
+                Q[c] = Q[c] - w.pi * g;
+                V[c] += erster ? w.pv[c] : -w.pv[c];
             }
             for (int c = 0; c < 6; ++c)
-                S[c] += w->sigmaTensor[c] / anderer->rho;
+                S[c] += w.sig[c] / anderer.rho;
         }
         for (int c = 0; c < 6; ++c)
-            v(x.sigmaTensor[c], S[c] * (dfak * m), "sigma", nr(&x));
+            v(x.sigmaTensor[c], S[c] * (dfak * m), "sigma", long(i));
         double d1[3], d2[3];
         for (int c = 0; c < 3; ++c)
             d1[c] = x.r[c] - ph.x1[c], d2[c] = x.r[c] - ph.x2[c];
@@ -160,10 +245,10 @@ TEST_P(Formeln, KraefteWieIhreDefinition) {
             A += om2 * x.r[c];
             const double p = P[c] * (m * dfak), q = Q[c] * (m * dfak);
             const double pv = V[c] * ((m * ph.viskositaet) * dfak);
-            v(x.aPress[c], p, "aPress", nr(&x));
-            v(x.aArtvisc[c], q, "aArtvisc", nr(&x));
-            v(x.aPhysvisc[c], pv, "aPhysvisc", nr(&x));
-            v(x.a[c], (((0.0 + A) + p) + q) + pv, "a", nr(&x));
+            v(x.aPress[c], p, "aPress", long(i));
+            v(x.aArtvisc[c], q, "aArtvisc", long(i));
+            v(x.aPhysvisc[c], pv, "aPhysvisc", long(i));
+            v(x.a[c], (((0.0 + A) + p) + q) + pv, "a", long(i));
         }
     }
     EXPECT_EQ(v.fehler, 0) << "of " << v.pruefungen << " doubles";

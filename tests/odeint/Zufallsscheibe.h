@@ -8,6 +8,7 @@
 #include "kraefte/Kraefte.h"
 #include "kraefte/Physvisc.h"
 #include "kraefte/Pressure.h"
+#include "scheibe/Faeden.h"
 #include "scheibe/PhysviscAkkScheibe.h"
 #include "tests/Hilfen.h"
 
@@ -56,11 +57,19 @@ struct Zufallslauf : Aufbau {
     }
 };
 
-// OpenMP's thread count for the object's life.
+// OpenMP's thread count for the object's life, every loop spread over the
+// threads however little work it has.
 struct Fadenzahl {
     const int vorher = omp_get_max_threads();
-    explicit Fadenzahl(int n) { omp_set_num_threads(n); }
-    ~Fadenzahl() { omp_set_num_threads(vorher); }
+    const double schwelle = scheibe::schwelleNs;
+    explicit Fadenzahl(int n) {
+        omp_set_num_threads(n);
+        scheibe::schwelleNs = 0;
+    }
+    ~Fadenzahl() {
+        omp_set_num_threads(vorher);
+        scheibe::schwelleNs = schwelle;
+    }
 };
 
 } // namespace hilfen

@@ -7,6 +7,7 @@
 
 #include "scheibe/PhysviscAkkScheibe.h"
 #include "scheibe/ScheibenTemplates.h"
+#include "scheibe/SphTemplates.h"
 #include "tests/Hilfen.h"
 
 #include <gtest/gtest.h>
@@ -136,13 +137,27 @@ TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
                                              : std::make_pair(q, p));
             }
 
-        std::set<std::pair<int, int>> gefunden;
+        // The records on request carry t1 and t2; the particles' own lists
+        // hold each pair once in each partner's list.
+        std::set<std::pair<int, int>> gefunden, ungerichtet, ausListen;
         PhysviscTeilchen* anfang = g.s.teilchen.data();
-        for (PhysviscWW& w : *g.s.ww) {
-            EXPECT_TRUE(gefunden.insert({int(w.pt1 - anfang), int(w.pt2 - anfang)}).second);
-            EXPECT_EQ(std::count(w.pt1->pvww.begin(), w.pt1->pvww.end(), &w), 1);
-            EXPECT_EQ(std::count(w.pt2->pvww.begin(), w.pt2->pvww.end(), &w), 1);
+        for (const PhysviscWW& w :
+             scheibe::_paare<PhysviscWW>(g.s, g.s.teilchen, *g.s.gitter, g.phys)) {
+            const int a = int(w.pt1 - anfang), b = int(w.pt2 - anfang);
+            EXPECT_TRUE(gefunden.insert({a, b}).second);
+            ungerichtet.insert({std::min(a, b), std::max(a, b)});
         }
+        std::size_t eintraege = 0;
+        for (int i = 0; i < n; ++i) {
+            const PaarSicht<PhysviscWW>& v = g.s.teilchen[std::size_t(i)].pvww;
+            eintraege += v.size();
+            for (std::size_t k = 0; k < v.size(); ++k) {
+                const int j = int(g.s.gitter->index[v.partner(k)]);
+                ausListen.insert({std::min(i, j), std::max(i, j)});
+            }
+        }
+        EXPECT_EQ(eintraege, 2 * gefunden.size());
+        EXPECT_EQ(ausListen, ungerichtet);
         EXPECT_EQ(erwartet, gefunden) << n << " particles, corner " << ecke;
         if (n == 600 && ecke == 0) {
             EXPECT_GT(gefunden.size(), 1000u); // the test would be vacuous otherwise
@@ -155,8 +170,10 @@ TEST(SphFremd, PaarUndScheibeWeisenFremdesAb) {
     g.s.teilchen.resize(2);
     g.s.teilchen[1].r[0] = 0.01; // both near the origin, 0.01 = h/2 apart
     g.force_init();
-    ASSERT_EQ(g.s.ww->size(), 1u);
-    PhysviscWW& w = g.s.ww->front();
+    ASSERT_EQ(g.s.ww->paare(), 1u);
+    std::vector<PhysviscWW> ww = scheibe::_paare<PhysviscWW>(g.s, g.s.teilchen, *g.s.gitter, g.phys);
+    ASSERT_EQ(ww.size(), 1u);
+    PhysviscWW& w = ww.front();
     // Each partner sees the gradient from its side; one that is neither gets
     // zeros and a message.
     EXPECT_EQ(w._dW_ohne_fak(w.pt1)[0], -w._dW_ohne_fak(w.pt2)[0]);

@@ -11,11 +11,9 @@ void Externforce::deriv_ohne_init(AkkScheibe& scheibe, PhysSystem& phys) {
     const double minusG = -3.9371199385708905e-7; // -G, R_sun^3 / (M_sun s^2)
     const double omega = phys.omega;
     const double omega2 = std::pow(omega, 2.0);
-    const int n = scheibe.tanz();
     // Each particle on its own: spread over the threads.
-#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
-    for (int i = 0; i < n; ++i) {
-        Teilchen& t = scheibe[i];
+    scheibe::fuerAlle(std::size_t(scheibe.tanz()), scheibe::kosten::extern_, [&](std::size_t i) {
+        Teilchen& t = scheibe[int(i)];
         double d1[3], d2[3];
         for (int k = 0; k < 3; ++k) {
             d1[k] = t.r[k] - phys.x1[k];
@@ -33,7 +31,7 @@ void Externforce::deriv_ohne_init(AkkScheibe& scheibe, PhysSystem& phys) {
             A += omega2 * t.r[k];
             t.a[k] = t.a[k] + A;
         }
-    }
+    });
 }
 
 AkkScheibe* Externforce::createAkkScheibe(InitAkkScheibe& init, PhysSystem& phys) {

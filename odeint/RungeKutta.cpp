@@ -12,9 +12,7 @@ namespace {
 // f(i) for every particle i of a disc, spread over the threads: the stage
 // arithmetic of one particle does not depend on any other particle.
 template <class F> void fuerJedesTeilchen(int n, F f) {
-#pragma omp parallel for schedule(static) if (n >= scheibe::mindestens)
-    for (int i = 0; i < n; ++i)
-        f(i);
+    scheibe::fuerAlle(std::size_t(n), scheibe::kosten::teilchen, [&](std::size_t i) { f(int(i)); });
 }
 } // namespace
 
@@ -137,7 +135,8 @@ void RungeKutta::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& k
         errmax = 0.0;
         const Teilchen* fehler = yerr.data();
         const int n = scheibe.tanz();
-#pragma omp parallel for schedule(static) reduction(max : errmax) if (n >= scheibe::mindestens)
+#pragma omp parallel for schedule(dynamic, 2048) reduction(max : errmax) \
+    if (scheibe::lohnt(double(n) * 2))
         for (int i = 0; i < n; ++i) {
             double m = fehler[i].max_v_koord();
             if (m > errmax)

@@ -23,20 +23,11 @@ inline std::size_t anzahlFaeden() {
 #endif
 }
 
-// Below this many particles a loop runs on the calling thread alone: starting
-// the threads would cost more than the work.
-constexpr std::ptrdiff_t mindestens = 64;
-
-// Slabs of the pair search for a disc of n particles.
-inline std::size_t anzahlSlabs(std::size_t n) {
-    return std::ptrdiff_t(n) < mindestens ? 1 : anzahlFaeden();
-}
-
 // Measured cost of the loops, in nanoseconds on one thread of the reference
 // machine (bench/kraefte_bench): per entry of the partner lists (twice the
 // pairs) for the passes over pairs, per particle for the others.
 namespace kosten {
-constexpr double suche = 25, gas = 15, viskos = 25, teilchen = 10;
+constexpr double suche = 25, gas = 15, viskos = 25, teilchen = 10, extern_ = 60;
 }
 
 // Whether a loop of about `ns` nanoseconds of work is worth the threads.
@@ -59,12 +50,21 @@ template <class F> void fuerBloecke(std::size_t anzahl, bool parallel, F f) {
         f(std::size_t(b));
 }
 
+// f(i) for i = 0 .. n-1, each costing about `ns` nanoseconds, handed to the
+// threads in runs of 2048 as they come free when the work pays.
+template <class F> void fuerAlle(std::size_t n, double ns, F f) {
+    const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
+#pragma omp parallel for schedule(dynamic, 2048) if (lohnt(double(n) * ns))
+    for (std::ptrdiff_t i = 0; i < nn; ++i)
+        f(std::size_t(i));
+}
+
 // Running sums of integers in place: a[i] becomes a[0] + ... + a[i]. Integer
 // sums are exact in any grouping, so long arrays are summed in one block per
 // thread, each block then shifted by the sum of the blocks before it.
 // `bloecke` is scratch kept by the caller, so that nothing is allocated.
 template <class Z> void laufendeSumme(Z* a, std::size_t n, std::vector<Z>& bloecke) {
-    const std::size_t teile = n >= (std::size_t(1) << 16) ? anzahlFaeden() : 1;
+    const std::size_t teile = lohnt(double(n)) ? anzahlFaeden() : 1;
     bloecke.resize(teile + 1);
     const std::ptrdiff_t tt = static_cast<std::ptrdiff_t>(teile);
     auto anfang = [&](std::ptrdiff_t t) { return n * std::size_t(t) / teile; };
@@ -86,7 +86,7 @@ template <class Z> void laufendeSumme(Z* a, std::size_t n, std::vector<Z>& bloec
 
 // Sets a[0 .. n) to zero, on all threads for long arrays.
 template <class Z> void nullen(Z* a, std::size_t n) {
-    const std::size_t teile = n >= (std::size_t(1) << 16) ? anzahlFaeden() : 1;
+    const std::size_t teile = lohnt(double(n) * 0.2) ? anzahlFaeden() : 1;
     const std::ptrdiff_t tt = static_cast<std::ptrdiff_t>(teile);
 #pragma omp parallel for schedule(static, 1) if (tt > 1)
     for (std::ptrdiff_t t = 0; t < tt; ++t)

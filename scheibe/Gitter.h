@@ -125,12 +125,8 @@ public:
     // cell), (i, j, k+1), (i, j+1, k-1..k+1), (i+1, j-1..j+1, k-1..k+1); for a
     // neighbour cell p runs over the neighbour's particles and q over the
     // home cell's. Every pair of home-cell particles is visited once.
-    template <class Paar> void suche(double h2, Paar paar) const { suche(h2, 1, nx - 2, paar); }
-
-    // The same for the home cells of the planes i0 <= i <= i1 only. Planes
-    // are the outermost loop, so searching consecutive ranges of planes one
-    // after the other visits the pairs in the order of the whole search.
-    template <class Paar> void suche(double h2, int i0, int i1, Paar paar) const {
+    template <class Paar> void suche(double h2, Paar paar) const {
+        const int i0 = 1, i1 = nx - 2;
         const double *px = x.data(), *py = y.data(), *pz = z.data();
         auto kandidat = [&](std::uint32_t p, std::uint32_t q) {
             const double s[3] = {px[q] - px[p], py[q] - py[p], pz[q] - pz[p]};
@@ -155,10 +151,6 @@ public:
                 for (int c = -1; c <= 1; ++c)
                     nachbar(i + 1, j + b, k + c);
         };
-        if (i0 < 1)
-            i0 = 1;
-        if (i1 > nx - 2)
-            i1 = nx - 2;
         if (dicht) {
             for (int i = i0; i <= i1; ++i)
                 for (int j = 1; j <= ny - 2; ++j)
@@ -176,45 +168,7 @@ public:
         }
     }
 
-    // Splits the home planes 1 .. nx-2 into `anzahl` consecutive slabs with
-    // about equal numbers of particles: slab s holds planes
-    // grenzen[s] .. grenzen[s + 1] - 1 (a slab may be empty). Only occupied
-    // planes are visited: a sparse grid may have billions of planes.
-    void slabs(std::size_t anzahl, std::vector<int>& grenzen) const {
-        grenzen.assign(anzahl + 1, nx - 1);
-        grenzen[0] = 1;
-        std::size_t gesamt = 0;
-        fuerBelegteEbenen([&](int, std::size_t n) { gesamt += n; });
-        std::size_t summe = 0, s = 1;
-        fuerBelegteEbenen([&](int i, std::size_t n) {
-            summe += n;
-            while (s < anzahl && summe * anzahl >= gesamt * s)
-                grenzen[s++] = i + 1;
-        });
-    }
-
 private:
-    // Dense grid: particles in plane i.
-    std::size_t inEbene(int i) const {
-        return anfang[zelle(i + 1, 0, 0)] - anfang[zelle(i, 0, 0)];
-    }
-    // f(i, particles in plane i) for the home planes 1 .. nx-2 that hold
-    // particles, in order.
-    template <class F> void fuerBelegteEbenen(F f) const {
-        if (dicht) {
-            for (int i = 1; i <= nx - 2; ++i)
-                if (const std::size_t n = inEbene(i))
-                    f(i, n);
-            return;
-        }
-        for (auto c = ersteZelle(1); c != belegt.end() && c->ijk[0] <= nx - 2;) {
-            const int i = c->ijk[0];
-            std::size_t n = 0;
-            for (; c != belegt.end() && c->ijk[0] == i; ++c)
-                n += c->ende - c->anfang;
-            f(i, n);
-        }
-    }
     // Sparse grid: the first occupied cell of plane i or beyond.
     typename std::vector<Zelle>::const_iterator ersteZelle(int i) const {
         return std::lower_bound(belegt.begin(), belegt.end(), i,
@@ -261,12 +215,10 @@ private:
     template <class Z> void sortiereDicht(std::vector<T>& alle, Z zelleVon) {
         const std::size_t n = alle.size(), zellen = anfang.size() - 1;
         zelleVonSlot.resize(n);
-        const std::ptrdiff_t nn = static_cast<std::ptrdiff_t>(n);
-#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
-        for (std::ptrdiff_t p = 0; p < nn; ++p) {
-            const Index c = zelleVon(alle[std::size_t(p)]);
-            zelleVonSlot[std::size_t(p)] = zelle(c[0], c[1], c[2]);
-        }
+        scheibe::fuerAlle(n, 10, [&](std::size_t p) {
+            const Index c = zelleVon(alle[p]);
+            zelleVonSlot[p] = zelle(c[0], c[1], c[2]);
+        });
         std::uint32_t* a = anfang.data();
         scheibe::nullen(a, zellen);
         for (std::size_t p = 0; p < n; ++p)
@@ -275,14 +227,12 @@ private:
         a[zellen] = static_cast<std::uint32_t>(n);
         for (std::size_t p = n; p-- > 0;)
             slot[p] = --a[zelleVonSlot[p]];
-#pragma omp parallel for schedule(static) if (nn >= scheibe::mindestens)
-        for (std::ptrdiff_t p = 0; p < nn; ++p)
-        {
-            const std::size_t c = zelleVonSlot[std::size_t(p)];
+        scheibe::fuerAlle(n, 10, [&](std::size_t p) {
+            const std::size_t c = zelleVonSlot[p];
             const Index z{int(c / (std::size_t(ny) * std::size_t(nz))),
                           int(c / std::size_t(nz) % std::size_t(ny)), int(c % std::size_t(nz))};
-            setze(slot[std::size_t(p)], alle[std::size_t(p)], std::size_t(p), z);
-        }
+            setze(slot[p], alle[p], p, z);
+        });
     }
 
     // Sort by (cell, particle index), then the list of occupied cells.

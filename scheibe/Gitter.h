@@ -77,24 +77,25 @@ public:
             sortiereDuenn(alle, zelleVon);
     }
 
-    // Calls f(q) for every slot q that the search of all home cells
-    // compares with slot x, in the order in which those comparisons come in
-    // the search (see suche). The home cells that reach x's cell come in
-    // (i, j, k) order: first the 13 before it, each of which compares its
-    // own particles with x; then x's cell itself, if it is a home cell,
-    // with its other particles in cell order (a cell pairs m < n, so x comes
-    // after its earlier and before its later particles); then its 13
-    // forward neighbours in the order of the half shell. So x's partners
-    // come in pair-list order, found from x's side alone.
-    template <class F> void partner(std::uint32_t x, F f) const {
+    // Calls f(a, e) for runs of slots a .. e-1 that, one after the other,
+    // hold every slot q that the search of all home cells compares with slot
+    // x, in the order in which those comparisons come in the search (see
+    // suche). The home cells that reach x's cell come in (i, j, k) order:
+    // first the 13 before it, each of which compares its own particles with
+    // x; then x's cell itself, if it is a home cell, with its other
+    // particles in cell order (a cell pairs m < n, so x comes after its
+    // earlier and before its later particles); then its 13 forward
+    // neighbours in the order of the half shell. So x's partners come in
+    // pair-list order, found from x's side alone.
+    template <class F> void partnerBereiche(std::uint32_t x, F f) const {
         const auto [i, j, k] = ijk[x];
         auto heim = [&](int a, int b, int c) {
             return a >= 1 && a <= nx - 2 && b >= 1 && b <= ny - 2 && c >= 1 && c <= nz - 2;
         };
         auto zelle = [&](int a, int b, int c) {
             const auto [pa, pe] = bereich(a, b, c);
-            for (std::uint32_t q = pa; q < pe; ++q)
-                f(q);
+            if (pa != pe)
+                f(pa, pe);
         };
         for (int a = -1; a <= 0; ++a)
             for (int b = -1; b <= 1; ++b)
@@ -107,9 +108,10 @@ public:
         if (!heim(i, j, k))
             return;
         const auto [pa, pe] = bereich(i, j, k);
-        for (std::uint32_t q = pa; q < pe; ++q)
-            if (q != x)
-                f(q);
+        if (pa != x)
+            f(pa, x);
+        if (x + 1 != pe)
+            f(x + 1, pe);
         zelle(i, j, k + 1);
         for (int c = -1; c <= 1; ++c)
             zelle(i, j + 1, k + c);

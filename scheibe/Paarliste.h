@@ -4,6 +4,7 @@
 #include "physik/Vektor.h"
 #include "scheibe/Vorrat.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -43,12 +44,14 @@ public:
             gz.clear();
             mu.clear();
         }
-        void anhaengen(std::uint32_t p, const double g[3], double m) {
-            partner.push_back(p);
-            gx.push_back(g[0]);
-            gy.push_back(g[1]);
-            gz.push_back(g[2]);
-            mu.push_back(m);
+        // Room for n entries in all (capacity is kept between evaluations).
+        void erweitern(std::size_t n) {
+            for (auto* v : {&gx, &gy, &gz, &mu}) {
+                mitVorrat(*v, n);
+                v->resize(n);
+            }
+            mitVorrat(partner, n);
+            partner.resize(n);
         }
     };
     // What a particle's partners read of it, by slot.
@@ -100,6 +103,28 @@ public:
         const auto& a = block(slot).anfang;
         return a[slot % blockgroesse + 1] - a[slot % blockgroesse];
     }
+};
+
+// Scratch of one thread's pass over a particle's pairs: columns of one
+// value per pair, kept between particles and evaluations.
+class Paarpuffer {
+public:
+    // `spalten` columns of at least n values each.
+    double* const* spalten(std::size_t n, std::size_t anzahl) {
+        if (laenge < n || zeiger.size() < anzahl) {
+            laenge = std::max(laenge, n + n / 2 + 16);
+            speicher.resize(laenge * std::max(anzahl, zeiger.size()));
+            zeiger.resize(std::max(anzahl, zeiger.size()));
+            for (std::size_t c = 0; c < zeiger.size(); ++c)
+                zeiger[c] = speicher.data() + c * laenge;
+        }
+        return zeiger.data();
+    }
+
+private:
+    std::vector<double> speicher;
+    std::vector<double*> zeiger;
+    std::size_t laenge = 0;
 };
 
 // The pair list of a disc class whose pairs are of type W (the records are

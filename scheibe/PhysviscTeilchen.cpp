@@ -19,18 +19,35 @@ void PhysviscTeilchen::sigma(PhysSystem& phys) {
 // pair's viscous vector for its first partner, negated for its second.
 void PhysviscTeilchen::add_physvisc(PhysSystem& phys) {
     double A[3] = {0, 0, 0};
-    if (Partnerliste* ww = pvww.paarliste()) {
+    Partnerliste* ww = pvww.paarliste();
+    if (ww && ww->sigma.size() > pvww.slot()) {
         const std::uint32_t x = pvww.slot();
         const Partnerliste::Block& b = ww->block(x);
-        const double* ich = ww->sigma[x].data();
-        const double rho = ww->gas[x].rho;
-        for (std::uint32_t k = ww->erster(x), e = k + ww->anzahl(x); k < e; ++k) {
-            const std::uint32_t q = b.partner[k] & ~Partnerliste::naehert;
-            const double g[3] = {b.gx[k], b.gy[k], b.gz[k]};
-            double p[3];
-            scheibe::viskosvektor(ich, rho, ww->sigma[q].data(), ww->gas[q].rho, g, p);
-            for (int c = 0; c < 3; ++c)
-                A[c] += p[c];
+        const std::uint32_t k0 = ww->erster(x), m = ww->anzahl(x);
+        // Each pair's vector in the lanes of the vector unit, then the sum
+        // in list order.
+        static thread_local Paarpuffer puffer;
+        double* const* P = puffer.spalten(m, 3);
+        double *P0 = P[0], *P1 = P[1], *P2 = P[2];
+        const std::uint32_t* partner = b.partner.data() + k0;
+        const double *gx = b.gx.data() + k0, *gy = b.gy.data() + k0, *gz = b.gz.data() + k0;
+        const double* sigma = reinterpret_cast<const double*>(ww->sigma.data()); // six per slot
+        const Partnerliste::Gas* gas = ww->gas.data();
+        const scheibe::Schertensor ich = scheibe::tensor(sigma + 6 * std::size_t(x));
+        const double rho = gas[x].rho;
+#pragma omp simd
+        for (std::size_t k = 0; k < m; ++k) {
+            const std::size_t q = partner[k] & ~Partnerliste::naehert;
+            const scheibe::Schertensor du = {sigma[6 * q],     sigma[6 * q + 1], sigma[6 * q + 2],
+                                             sigma[6 * q + 3], sigma[6 * q + 4], sigma[6 * q + 5]};
+            const scheibe::Vektor p =
+                scheibe::viskosvektor(ich, rho, du, gas[q].rho, gx[k], gy[k], gz[k]);
+            P0[k] = p.x, P1[k] = p.y, P2[k] = p.z;
+        }
+        for (std::uint32_t k = 0; k < m; ++k) {
+            A[0] += P0[k];
+            A[1] += P1[k];
+            A[2] += P2[k];
         }
     }
     const double faktor = phys.mTeilchen * phys.viskositaet * scheibe::kernel1(phys).dfak;

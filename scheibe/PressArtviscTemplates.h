@@ -77,40 +77,52 @@ void _gasterme(T& t, Partnerliste& ww, std::uint32_t x, unsigned terme, const Ph
     const Partnerliste::Gas* gas = ww.gas.data();
     const Partnerliste::Gas ich = gas[x];
     const double alpha = phys.alpha, beta = phys.beta;
+    const std::uint32_t k0 = ww.erster(x), m = ww.anzahl(x);
+    // Each pair's products, in the lanes of the vector unit; then the sums
+    // in list order.
+    static thread_local Paarpuffer puffer;
+    double* const* P = puffer.spalten(m, 12);
+    const std::uint32_t* partner = b.partner.data() + k0;
+    const double *gx = b.gx.data() + k0, *gy = b.gy.data() + k0, *gz = b.gz.data() + k0;
+    const double* mu = b.mu.data() + k0;
+    const double *vx = ww.vx, *vy = ww.vy, *vz = ww.vz;
+    const bool mitDruck = terme & druck, mitPi = terme & kuenstlich, mitSigma = terme & scherung;
+    double *A0 = P[0], *A1 = P[1], *A2 = P[2], *B0 = P[3], *B1 = P[4], *B2 = P[5];
+    double *S0 = P[6], *S1 = P[7], *S2 = P[8], *S3 = P[9], *S4 = P[10], *S5 = P[11];
+#pragma omp simd
+    for (std::size_t k = 0; k < m; ++k) {
+        const std::uint32_t q = partner[k] & ~Partnerliste::naehert;
+        const double g0 = gx[k], g1 = gy[k], g2 = gz[k];
+        const double rho = gas[q].rho;
+        const double f = pressterm(ich.p, ich.rho, gas[q].p, rho);
+        // Pi of approaching pairs (formed in every lane, kept in theirs).
+        const double pi = piterm(mu[k], ich.cs, ich.rho, gas[q].cs, rho, alpha, beta);
+        const double fpi = (partner[k] & Partnerliste::naehert) ? pi : 0.0;
+        A0[k] = f * g0, A1[k] = f * g1, A2[k] = f * g2;
+        B0[k] = fpi * g0, B1[k] = fpi * g1, B2[k] = fpi * g2;
+        const Schertensor p =
+            schertensor(vx[q] - vx[x], vy[q] - vy[x], vz[q] - vz[x], g0, g1, g2);
+        S0[k] = p.xx / rho, S1[k] = p.xy / rho, S2[k] = p.xz / rho;
+        S3[k] = p.yy / rho, S4[k] = p.yz / rho, S5[k] = p.zz / rho;
+    }
     double A[3] = {0, 0, 0}, B[3] = {0, 0, 0}, S[6] = {0, 0, 0, 0, 0, 0};
-    for (std::uint32_t k = ww.erster(x), e = k + ww.anzahl(x); k < e; ++k) {
-        const std::uint32_t q = b.partner[k] & ~Partnerliste::naehert;
-        const double g[3] = {b.gx[k], b.gy[k], b.gz[k]};
-        const Partnerliste::Gas du = gas[q];
-        if (terme & druck) {
-            const double f = pressterm(ich.p, ich.rho, du.p, du.rho);
-            for (int c = 0; c < 3; ++c)
-                A[c] = A[c] - f * g[c];
+    for (std::uint32_t k = 0; k < m; ++k) {
+        for (int c = 0; c < 3; ++c) {
+            A[c] = A[c] - P[c][k];
+            B[c] = B[c] - P[3 + c][k];
         }
-        if (terme & kuenstlich) {
-            double f = 0;
-            if (b.partner[k] & Partnerliste::naehert)
-                f = piterm(b.mu[k], ich.cs, ich.rho, du.cs, du.rho, alpha, beta);
-            for (int c = 0; c < 3; ++c)
-                B[c] = B[c] - f * g[c];
-        }
-        if (terme & scherung) {
-            const double dv[3] = {ww.vx[q] - ww.vx[x], ww.vy[q] - ww.vy[x], ww.vz[q] - ww.vz[x]};
-            double paar[6];
-            schertensor(dv, g, paar);
-            for (int c = 0; c < 6; ++c)
-                S[c] += paar[c] / du.rho;
-        }
+        for (int c = 0; c < 6; ++c)
+            S[c] += P[6 + c][k];
     }
     const double faktor = phys.mTeilchen * kernel1(phys).dfak;
-    if (terme & druck)
+    if (mitDruck)
         for (int c = 0; c < 3; ++c)
             t.aPress[c] = A[c] * faktor;
-    if (terme & kuenstlich)
+    if (mitPi)
         for (int c = 0; c < 3; ++c)
             t.aArtvisc[c] = B[c] * faktor;
     if constexpr (std::is_base_of_v<PhysviscTeilchen, T>) {
-        if (terme & scherung) {
+        if (mitSigma) {
             const double fs = kernel1(phys).dfak * phys.mTeilchen;
             for (int c = 0; c < 6; ++c)
                 t.sigmaTensor[c] = S[c] * fs;
@@ -128,8 +140,11 @@ void _proTeilchen(std::vector<T>& teilchen, const Gitter<T>& g, const Partnerlis
     const double arbeit = double(ww.eintraege) * ns + double(n) * kosten::teilchen;
     fuerBloecke(ww.anzahlBloecke(n), lohnt(arbeit), [&](std::size_t b) {
         const std::size_t s1 = std::min(n, (b + 1) * Partnerliste::blockgroesse);
-        for (std::size_t x = b * Partnerliste::blockgroesse; x < s1; ++x)
+        for (std::size_t x = b * Partnerliste::blockgroesse; x < s1; ++x) {
+            if (x + 4 < s1)
+                vorladen(&teilchen[g.index[x + 4]]);
             f(teilchen[g.index[x]], std::uint32_t(x));
+        }
     });
 }
 
@@ -156,7 +171,8 @@ void _gaspass(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>& ww, un
 template <class T, class W>
 void _add_press(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>* ww, PhysSystem& phys) {
     _gaspass(teilchen, g, *ww, druck, phys);
-    _proTeilchen(teilchen, g, *ww, 0, [](T& t, std::uint32_t) {
+    fuerAlle(teilchen.size(), 1, [&](std::size_t i) {
+        T& t = teilchen[i];
         for (int c = 0; c < 3; ++c)
             t.a[c] = t.a[c] + t.aPress[c];
     });
@@ -165,7 +181,8 @@ void _add_press(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>* ww, 
 template <class T, class W>
 void _add_artvisc(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>* ww, PhysSystem& phys) {
     _gaspass(teilchen, g, *ww, kuenstlich, phys);
-    _proTeilchen(teilchen, g, *ww, 0, [](T& t, std::uint32_t) {
+    fuerAlle(teilchen.size(), 1, [&](std::size_t i) {
+        T& t = teilchen[i];
         for (int c = 0; c < 3; ++c)
             t.a[c] = t.a[c] + t.aArtvisc[c];
     });

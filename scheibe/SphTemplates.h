@@ -79,14 +79,24 @@ template <class T> void _binne(const SphAkkScheibe& disc, std::vector<T>& teilch
     });
 }
 
+// Scratch of one thread's pair search, kept between evaluations.
+struct Suchpuffer {
+    std::vector<double> e2;            // squared distances of a run of candidates
+    std::vector<std::uint32_t> nahe;   // the candidates closer than h
+    std::vector<double> W;             // their kernel values
+};
+
 // The pair search and each particle's density, one pass over the particles
 // in slot order, in blocks handed to the threads one at a time: each
 // particle's accelerations to zero, its partners found from its own side
-// (Gitter::partner) in pair-list order, the kernel value of each summed into
-// its density as it is found, the gradient and the viscosity factor of each
-// kept in its list; then its density (and, for the gas discs, its equation
-// of state). Every pair is found by both its partners, from the same
-// coordinates, so both lists agree.
+// (Gitter::partnerBereiche) in pair-list order, the gradient and the
+// viscosity factor of each kept in its list, the kernel values summed into
+// its density in that order; then its density (and, for the gas discs, its
+// equation of state). Every pair is found by both its partners, from the
+// same coordinates, so both lists agree. The loops over candidates and
+// partners have no dependence from one to the next and run in the lanes of
+// the vector unit (each lane the same IEEE operations, so the same bits);
+// the sums run in order afterwards.
 template <class T, class W>
 void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paarliste<W>& ww,
                PhysSystem& phys) {
@@ -102,45 +112,90 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
     ww.vx = g.vx.data();
     ww.vy = g.vy.data();
     ww.vz = g.vz.data();
-    const Kernel1& kern = *static_cast<const Kernel1*>(phys.kernel);
+    const double hk = static_cast<const Kernel1*>(phys.kernel)->h;
     const double h2 = disc.h2, h = phys.h, hh = 0.01 * (h * h);
     const double *X = g.x.data(), *Y = g.y.data(), *Z = g.z.data();
     const double *VX = g.vx.data(), *VY = g.vy.data(), *VZ = g.vz.data();
     const std::size_t bloecke = ww.anzahlBloecke(n);
     fuerBloecke(bloecke, lohnt(arbeit * kosten::suche), [&](std::size_t b) {
+        static thread_local Suchpuffer puffer;
         Partnerliste::Block& bl = ww.bloecke[b];
         bl.leeren();
         const std::uint32_t s0 = std::uint32_t(b * Partnerliste::blockgroesse);
         const std::uint32_t s1 = std::uint32_t(std::min(n, (b + 1) * Partnerliste::blockgroesse));
         bl.anfang.resize(Partnerliste::blockgroesse + 1);
         for (std::uint32_t x = s0; x < s1; ++x) {
-            bl.anfang[x - s0] = std::uint32_t(bl.partner.size());
+            const std::size_t basis = bl.partner.size();
+            bl.anfang[x - s0] = std::uint32_t(basis);
+            if (x + 4 < s1)
+                vorladen(&teilchen[g.index[x + 4]]);
             T& t = teilchen[g.index[x]];
             t.init();
             paare(t).zeige(&ww, x);
-            double S = 1.0;
-            g.partner(x, [&](std::uint32_t q) {
-                // Separation and velocity difference partner - self: the
-                // pair's own for its first partner, negated for its second.
-                const double e[3] = {X[q] - X[x], Y[q] - Y[x], Z[q] - Z[x]};
-                const double e2 = e[0] * e[0] + e[1] * e[1] + e[2] * e[2];
-                if (!(e2 < h2))
-                    return;
-                const double d = std::sqrt(e2);
-                double v[3] = {X[x] - X[q], Y[x] - Y[q], Z[x] - Z[q]};
-                S += kern.wert(d, v);
-                std::uint32_t p = q;
-                double mu = 0;
-                if constexpr (gas) {
-                    const double dv[3] = {VX[q] - VX[x], VY[q] - VY[x], VZ[q] - VZ[x]};
-                    const double sp = dv[0] * e[0] + dv[1] * e[1] + dv[2] * e[2];
-                    if (sp < 0) {
-                        mu = h * sp / (d * d + hh);
-                        p |= Partnerliste::naehert;
-                    }
+            const double xx = X[x], yy = Y[x], zz = Z[x];
+            // The candidates closer than h, in order. Separations partner -
+            // self: the pair's own for its first partner, negated for its
+            // second, with the same square.
+            std::size_t m = 0;
+            g.partnerBereiche(x, [&](std::uint32_t a, std::uint32_t e) {
+                const std::size_t laenge = e - a;
+                if (puffer.e2.size() < laenge)
+                    puffer.e2.resize(laenge + laenge / 2);
+                if (puffer.nahe.size() < m + laenge)
+                    puffer.nahe.resize(2 * (m + laenge));
+                double* E = puffer.e2.data();
+#pragma omp simd
+                for (std::size_t k = 0; k < laenge; ++k) {
+                    const double e0 = X[a + k] - xx, e1 = Y[a + k] - yy, e2 = Z[a + k] - zz;
+                    E[k] = e0 * e0 + e1 * e1 + e2 * e2;
                 }
-                bl.anhaengen(p, v, mu);
+                std::uint32_t* nahe = puffer.nahe.data();
+                for (std::size_t k = 0; k < laenge; ++k) {
+                    nahe[m] = a + std::uint32_t(k);
+                    m += E[k] < h2;
+                }
             });
+            bl.erweitern(basis + m);
+            if (puffer.W.size() < m)
+                puffer.W.resize(m + m / 2);
+            const std::uint32_t* nahe = puffer.nahe.data();
+            double* Wk = puffer.W.data();
+            std::uint32_t* partner = bl.partner.data() + basis;
+            double *gx = bl.gx.data() + basis, *gy = bl.gy.data() + basis,
+                   *gz = bl.gz.data() + basis, *mu = bl.mu.data() + basis;
+#pragma omp simd
+            for (std::size_t k = 0; k < m; ++k) {
+                const std::uint32_t q = nahe[k];
+                const double e0 = X[q] - xx, e1 = Y[q] - yy, e2 = Z[q] - zz;
+                const double d = std::sqrt(e0 * e0 + e1 * e1 + e2 * e2);
+                // The kernel (Kernel1::wert) with both pieces formed and one
+                // taken: the inner piece up to h/2, else (also for NaN) the outer.
+                const double qk = d / hk;
+                const bool innen = hk * 0.5 >= d;
+                const double t1 = 1 - qk;
+                const double fi = (3 * qk - 2) / hk, fo = -(t1 * t1) / d;
+                const double faktor = innen ? fi : fo;
+                Wk[k] = innen ? qk * ((qk - 1) * 6 * qk) + 1 : 2 * (t1 * t1 * t1);
+                // Gradient of self - partner.
+                gx[k] = (xx - X[q]) * faktor;
+                gy[k] = (yy - Y[q]) * faktor;
+                gz[k] = (zz - Z[q]) * faktor;
+                std::uint32_t p = q;
+                double u = 0;
+                if constexpr (gas) {
+                    const double dv0 = VX[q] - VX[x], dv1 = VY[q] - VY[x], dv2 = VZ[q] - VZ[x];
+                    const double sp = dv0 * e0 + dv1 * e1 + dv2 * e2;
+                    const bool naeher = sp < 0;
+                    const double wenn = h * sp / (d * d + hh); // formed in every lane
+                    u = naeher ? wenn : 0.0;
+                    p = naeher ? q | Partnerliste::naehert : q;
+                }
+                partner[k] = p;
+                mu[k] = u;
+            }
+            double S = 1.0;
+            for (std::size_t k = 0; k < m; ++k)
+                S += Wk[k];
             t.dichte(S, phys);
             if constexpr (gas)
                 ww.gas[x] = {t.rho, t.p, t.cs};

@@ -13,7 +13,6 @@
 #include <filesystem>
 #include <fstream>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,10 +28,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-hilfen::Lauf akkstrom(const fs::path& ordner, const std::string& optionen = "") {
+hilfen::Lauf akkstrom(const fs::path& ordner, const std::string& optionen = "",
+                      const std::string& faeden = "1") {
     // One thread: a test run shares the machine with others, where waiting
     // threads would only slow it down; the bytes are the same on any number.
-    return hilfen::starte(ordner, "OMP_NUM_THREADS=1 ", AKK_STROM, optionen);
+    return hilfen::starte(ordner, "OMP_NUM_THREADS=" + faeden + " ", AKK_STROM, optionen);
 }
 
 // The shipped stream example with all four forces, shortened to 1300 s and
@@ -65,19 +65,17 @@ std::vector<std::pair<std::string, std::string>> schnappschuesse(const fs::path&
     return s;
 }
 
-// The number of the step that ended at time `zeit` in a run's lines "step: N akk.t: T".
-std::string schrittBei(const std::string& aus, const std::string& zeit) {
+// The first group of `muster` in a run's lines "step: N akk.t: T".
+std::string suche(const std::string& aus, const std::string& muster) {
     std::smatch m;
-    return std::regex_search(aus, m, std::regex("step: ([0-9]+) akk\\.t: " + zeit + "\n")) ? m[1].str()
-                                                                                             : "?";
+    return std::regex_search(aus, m, std::regex(muster)) ? m[1].str() : "?";
 }
-
-// The time at which step `schritt` ended.
+// The number of the step that ended at time `zeit`, and the time at which step `schritt` ended.
+std::string schrittBei(const std::string& aus, const std::string& zeit) {
+    return suche(aus, "step: ([0-9]+) akk\\.t: " + zeit + "\n");
+}
 std::string zeitNach(const std::string& aus, const std::string& schritt) {
-    std::smatch m;
-    return std::regex_search(aus, m, std::regex("step: " + schritt + " akk\\.t: ([^\n]+)\n"))
-               ? m[1].str()
-               : "?";
+    return suche(aus, "step: " + schritt + " akk\\.t: ([^\n]+)\n");
 }
 
 TEST(Sicherung, AngehaltenUndWeitergerechnetGleichtDemDurchgehendenLauf) {
@@ -123,12 +121,13 @@ TEST(Sicherung, AngehaltenUndWeitergerechnetGleichtDemDurchgehendenLauf) {
 
 TEST(Sicherung, RegelmaessigeSicherungenStoerenDenLaufNicht) {
     // Every third step: the checkpoint after step 15 is the last; taken up
-    // there, the run prints what the whole run printed after step 15.
+    // there, the run prints what the whole run printed after step 15. That run
+    // is on two threads: the same bytes as on one, with particles appended.
     hilfen::TempOrdner ohne, mit;
     gas(ohne.pfad());
     gas(mit.pfad());
     const hilfen::Lauf a = akkstrom(ohne.pfad());
-    const hilfen::Lauf b = akkstrom(mit.pfad(), "--sicherung-schritte 3 --sicherung data/s");
+    const hilfen::Lauf b = akkstrom(mit.pfad(), "--sicherung-schritte 3 --sicherung data/s", "2");
     EXPECT_EQ(b.status, 0);
     EXPECT_EQ(b.err, "");
     EXPECT_EQ(b.out, a.out);

@@ -5,10 +5,6 @@
 // should be int y^2 (-W'/r) = 1) by +1.0 %; so sigma comes out 1.010/1.0018 =
 // 0.8 % high and its divergence 1.7 % high. Tolerances are 2 to 3 times that.
 
-#include "init/InitAkkScheibe.h"
-#include "init/InitPhysSystem.h"
-#include "physik/Kernel1.h"
-#include "physik/PhysSystem.h"
 #include "scheibe/PhysviscAkkScheibe.h"
 #include "tests/Hilfen.h"
 
@@ -21,30 +17,16 @@
 
 namespace {
 
-struct Dateien {
-    hilfen::TempOrdner ordner;
-    std::string param = ordner.datei("p"), disc = ordner.datei("Akk-0");
-    Dateien(const std::string& zusatz) {
-        hilfen::schreibe(param, hilfen::parameter(zusatz));
-        hilfen::schreibe(disc, "Teilchenanzahl 0 Teilchendaten:\n");
-    }
-};
-
 // 15^3 particles of spacing d = h/3 (92 partners within h) centred on the primary, with
 // velocity (vx(y), 0, 0) and forces evaluated. h = 0.01 so that the lattice, 4.7 h thick,
 // fits the grid's home cells, which span only -0.044 < z <= 0.036 around the disc plane.
-struct Gitter {
+struct Gitter : hilfen::Aufbau {
     static constexpr int n = 15, mitte = 7;
-    Dateien dateien;
-    InitPhysSystem ip{dateien.param.c_str(), dateien.disc.c_str()};
-    Kernel1 kernel{ip};
-    PhysSystem phys{ip, &kernel};
-    InitAkkScheibe ia{dateien.param.c_str(), dateien.disc.c_str()};
     PhysviscAkkScheibe s{ia, phys};
     const double d = s.h / 3;
 
     explicit Gitter(const std::function<double(double)>& vx, const std::string& zusatz = "")
-        : dateien("Smoothinglength 0.01 " + zusatz) {
+        : Aufbau("Smoothinglength 0.01 " + zusatz) {
         s.teilchen.resize(n * n * n);
         for (int i = 0; i < n * n * n; ++i) {
             auto& t = s.teilchen[i];

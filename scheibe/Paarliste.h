@@ -37,21 +37,20 @@ public:
         std::vector<double> mu;             // h v.r / (d^2 + 0.01 h^2) when approaching
         std::vector<std::uint32_t> anfang;  // slot s of the block: entries anfang[s] .. anfang[s+1]-1
 
-        void leeren() {
-            partner.clear();
-            gx.clear();
-            gy.clear();
-            gz.clear();
-            mu.clear();
-        }
-        // Room for n entries in all (capacity is kept between evaluations).
+        std::size_t belegt = 0;             // entries in use (the vectors may be longer)
+
+        void leeren() { belegt = 0; }
+        // Room for n entries in all. The vectors only grow (by an eighth
+        // more than asked), so an evaluation in the steady state neither
+        // allocates nor fills memory it is about to overwrite.
         void erweitern(std::size_t n) {
-            for (auto* v : {&gx, &gy, &gz, &mu}) {
-                mitVorrat(*v, n);
-                v->resize(n);
+            if (partner.size() < n) {
+                const std::size_t m = n + n / 8;
+                for (auto* v : {&gx, &gy, &gz, &mu})
+                    v->resize(m);
+                partner.resize(m);
             }
-            mitVorrat(partner, n);
-            partner.resize(n);
+            belegt = n;
         }
     };
     // What a particle's partners read of it, by slot.

@@ -141,8 +141,8 @@ void _proTeilchen(std::vector<T>& teilchen, const Gitter<T>& g, const Partnerlis
     fuerBloecke(ww.anzahlBloecke(n), lohnt(arbeit), [&](std::size_t b) {
         const std::size_t s1 = std::min(n, (b + 1) * Partnerliste::blockgroesse);
         for (std::size_t x = b * Partnerliste::blockgroesse; x < s1; ++x) {
-            if (x + 4 < s1)
-                vorladen(&teilchen[g.index[x + 4]]);
+            if (x + 8 < s1)
+                vorladen(&teilchen[g.index[x + 8]]);
             f(teilchen[g.index[x]], std::uint32_t(x));
         }
     });

@@ -125,10 +125,10 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
         const std::uint32_t s1 = std::uint32_t(std::min(n, (b + 1) * Partnerliste::blockgroesse));
         bl.anfang.resize(Partnerliste::blockgroesse + 1);
         for (std::uint32_t x = s0; x < s1; ++x) {
-            const std::size_t basis = bl.partner.size();
+            const std::size_t basis = bl.belegt;
             bl.anfang[x - s0] = std::uint32_t(basis);
-            if (x + 4 < s1)
-                vorladen(&teilchen[g.index[x + 4]]);
+            if (x + 8 < s1)
+                vorladen(&teilchen[g.index[x + 8]]);
             T& t = teilchen[g.index[x]];
             t.init();
             paare(t).zeige(&ww, x);
@@ -200,11 +200,11 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
             if constexpr (gas)
                 ww.gas[x] = {t.rho, t.p, t.cs};
         }
-        bl.anfang[s1 - s0] = std::uint32_t(bl.partner.size());
+        bl.anfang[s1 - s0] = std::uint32_t(bl.belegt);
     });
     std::size_t e = 0;
     for (std::size_t b = 0; b < bloecke; ++b)
-        e += ww.bloecke[b].partner.size();
+        e += ww.bloecke[b].belegt;
     ww.eintraege = e;
 }
 

@@ -7,6 +7,7 @@
 // allocations are counted per evaluation and per step in the steady state.
 
 #include "bench/Szenario.h"
+#include "bench/Woertlich.h"
 #include "bench/Zuweisungen.h"
 #include "kraefte/Artvisc.h"
 #include "kraefte/Externforce.h"
@@ -23,6 +24,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -164,6 +166,38 @@ struct Schritte {
         paarZaehler(state, double(s.ww->paare()));
     }
 };
+
+// One evaluation of the four forces (force_init, then Externforce,
+// Pressure, Artvisc, Physvisc), as every stage of a step makes it.
+void BM_Auswertung(benchmark::State& state) {
+    Schritte l(state);
+    l.kraefte.derivatives(l.s, *l.sz.phys);
+    for (auto _ : state)
+        l.kraefte.derivatives(l.s, *l.sz.phys);
+    paarZaehler(state, double(l.s.ww->paare()));
+}
+
+// The same evaluation read literally (bench/Woertlich.h): valarrays, a grid
+// of nested vectors, a linked list of pair records, one pass after the
+// other; its accelerations must equal the program's bit for bit.
+void BM_Woertlich(benchmark::State& state) {
+    Schritte l(state);
+    l.kraefte.derivatives(l.s, *l.sz.phys);
+    std::vector<Vektor3> r, v;
+    for (const PhysviscTeilchen& t : l.s.teilchen)
+        r.push_back(t.r), v.push_back(t.v);
+    woertlich::Scheibe w(r, v, *l.sz.phys);
+    w.auswerten(*l.sz.phys);
+    for (std::size_t i = 0; i < r.size(); ++i)
+        for (int k = 0; k < 3; ++k)
+            if (std::memcmp(&w.teilchen[i].a[k], &l.s.teilchen[i].a[k], sizeof(double)) != 0) {
+                state.SkipWithError("the literal evaluation differs from the program's");
+                return;
+            }
+    for (auto _ : state)
+        w.auswerten(*l.sz.phys);
+    paarZaehler(state, double(w.paare()));
+}
 
 // One step at the start of a run. Every iteration starts again from the
 // generator's disc and tries the step size that the first step accepted, so
@@ -361,6 +395,8 @@ BENCHMARK_TEMPLATE(BM_Kraft, Externforce)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Pressure)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Artvisc)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Physvisc)->Apply(groesse);
+BENCHMARK(BM_Auswertung)->Apply(groesse);
+BENCHMARK(BM_Woertlich)->Args({10000, 1})->Args({100000, 1})->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RungeKuttaSchritt)->Apply(groesse);
 BENCHMARK(BM_Lauf)->Apply(groesseKlein)->Iterations(30);
 BENCHMARK(BM_Lauf)->Apply(groesseMillion)->Iterations(3);

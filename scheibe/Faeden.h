@@ -27,7 +27,7 @@ inline std::size_t anzahlFaeden() {
 // machine (bench/kraefte_bench): per entry of the partner lists (twice the
 // pairs) for the passes over pairs, per particle for the others.
 namespace kosten {
-constexpr double suche = 25, gas = 15, viskos = 25, teilchen = 10, extern_ = 60;
+constexpr double suche = 15, gas = 11, viskos = 8, teilchen = 10, extern_ = 60;
 }
 
 // Whether a loop of about `ns` nanoseconds of work is worth the threads.
@@ -35,7 +35,7 @@ constexpr double suche = 25, gas = 15, viskos = 25, teilchen = 10, extern_ = 60;
 // machine, but on a machine whose cores are busy with other work a thread
 // may wait a time slice (milliseconds) for its core, and the loop waits for
 // its slowest thread: only loops of several milliseconds gain.
-inline double schwelleNs = 2e6; // tests set 0 to run every loop on the threads
+inline double schwelleNs = 5e6; // tests set 0 to run every loop on the threads
 inline bool lohnt(double ns) {
     return ns >= schwelleNs && anzahlFaeden() > 1;
 }

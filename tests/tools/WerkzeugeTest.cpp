@@ -1,11 +1,11 @@
-// The tools on the OY Car binary (0.685 and 0.07 solar masses, 5453.6 s):
-// the Roche lobe of the pictures, the diagnostics by hand and in order of
-// time, the tables for splash (the SPH density, splash's kernel convention,
-// the files) and the frames of a film.
+// The tools on the OY Car binary (0.685 and 0.07 solar masses, 5453.6 s): the disc generator, the
+// Roche lobe of the pictures, the diagnostics by hand and in order of time, the tables for splash
+// (the SPH density, splash's kernel convention, the files) and the frames of a film.
 
 #include "tests/Hilfen.h"
 #include "tools/Scheibenbild.h"
 #include "tools/Scheibendiagnose.h"
+#include "tools/Scheibengenerator.h"
 #include "tools/Scheibensplash.h"
 #include "tools/Schnappschuesse.h"
 
@@ -14,10 +14,13 @@
 #include <algorithm>
 #include <cmath>
 #include <sstream>
+#include <valarray>
 
 namespace {
 
 using Args = std::vector<std::string>;
+using V = std::valarray<double>;
+const double G = 3.9371199385708905e-7; // R_sun^3 / (M_sun s^2)
 
 // The default binary with h = 0.02 (hilfen::parameter), a kernel as the tool sets it.
 struct Umgebung : hilfen::TempOrdner {
@@ -32,13 +35,69 @@ struct Umgebung : hilfen::TempOrdner {
         kernel = std::make_unique<Kernel1>(init);
         phys->kernel = kernel.get();
     }
+    int generator(Args a) { // with -p p first: a later -p overrides
+        a.insert(a.begin(), {"-p", p});
+        out.str(""), err.str("");
+        return generator::programm(a, out, err);
+    }
 };
+
+TEST(Scheibengenerator, GleicherSeedGleicheBytes) {
+    Umgebung u;
+    ASSERT_EQ(0, u.generator({"-n", "40", "--seed", "7", "-o", u.datei("a-0")}));
+    ASSERT_EQ(0, u.generator({"--seed=7", "--anzahl=40"}));
+    EXPECT_EQ(hilfen::lies(u.datei("a-0")), u.out.str());
+    ASSERT_EQ(0, u.generator({"-n", "40", "--seed", "8"}));
+    EXPECT_NE(hilfen::lies(u.datei("a-0")), u.out.str());
+}
+
+// Sigma ~ R^-p: half of the N = 20000 particles (4 sigma: 0.014) lie inside Rm, the arithmetic,
+// geometric, harmonic mean of a and b for p = 1, 2, 3. Seen from an inertial frame on the primary
+// (w = v + omega z x d) each particle circles prograde, w = sqrt(G m1 / |d|^3) z x d.
+TEST(Scheibengenerator, RadienUndKeplerbahnen) {
+    Umgebung u;
+    const PhysSystem& phys = *u.phys;
+    const double a = 0.08, b = 0.3, N = 20000;
+    for (auto [p, Rm] :
+         {std::pair{1.0, (a + b) / 2}, {2.0, std::sqrt(a * b)}, {3.0, 2 * a * b / (a + b)}}) {
+        generator::Optionen o; // radii from a to b by default
+        o.anzahl = N;
+        o.steigung = p;
+        double innerhalb = 0;
+        for (const generator::Punkt& q : generator::erzeuge(o, phys)) {
+            const V d = {q.r[0] - phys.x1[0], q.r[1], q.r[2]};
+            const V w = {q.v[0] - phys.omega * d[1], q.v[1] + phys.omega * d[0], q.v[2]};
+            const V kepler =
+                std::sqrt(G * 0.685 / std::pow((d * d).sum(), 1.5)) * V{-d[1], d[0], 0};
+            const double R = std::hypot(d[0], d[1]);
+            ASSERT_TRUE(R >= a && R <= b) << R;
+            ASSERT_LE(std::abs(w - kepler).max(), 1e-12 * std::abs(kepler).max());
+            innerhalb += R < Rm;
+        }
+        EXPECT_NEAR(0.5, innerhalb / N, 0.015) << "p = " << p;
+    }
+}
+
+TEST(Scheibengenerator, SchlechteEingabenWerdenAbgelehnt) {
+    Umgebung u;
+    const std::vector<Args> falsch = {
+        {"-n", "0"},          {"-n", "12x"},         {"-n"},
+        {"--seed", "-1"},     {"--innen", "0"},      {"--aussen", "0.07"},
+        {"--hoehe", "-1e-3"}, {"--steigung", "nan"}, {"--dicke", "1"},
+        {"ausgabe.txt"},      {"--innen", "0.01"},   {"--aussen", "0.6"}}; // last two: eta, rMax
+    for (const Args& a : falsch) // status 2, a message on err, nothing on out
+        EXPECT_TRUE(u.generator(a) == 2 && u.err.str().rfind("scheibengenerator: ", 0) == 0 &&
+                    u.out.str().empty())
+            << a[0] << ": " << u.err.str();
+    EXPECT_EQ(1, u.generator({"-p", u.datei("fehlt")}));
+    EXPECT_EQ(1, u.generator({"-o", u.datei("fehlt/x-0")}));
+}
 
 // Roche lobe: tip at L1 = -0.378367, on the contour, wider than Eggleton's sphere (0.35006).
 TEST(Scheibenbild, RocheLappen) {
     Umgebung u;
     const PhysSystem& s = *u.phys;
-    auto phi = [&s, G = 3.9371199385708905e-7](double x, double y) {
+    auto phi = [&s](double x, double y) {
         return -G * (s.m1 / std::hypot(x - s.x1[0], y) + s.m2 / std::hypot(x - s.x2[0], y)) -
                s.omega * s.omega * (x * x + y * y) / 2;
     };
@@ -71,13 +130,8 @@ TEST(Scheibendiagnose, ZweiTeilchenVonHand) {
 
 // Four particles on the x axis, inside the grid box around the primary
 // (x1 = 0.0563, the box reaches 0.44 from it).
-const std::string vier = "Zeit 42\nTeilchenanzahl 4\nTeilchendaten:\n"
-                         "0.15 0 0 0 1e-3 0\n"
-                         "0.16 0 0 0 2e-3 0\n"
-                         "0.135 0 0 0 3e-3 0\n"
-                         "0.25 0 0 0 4e-3 0\n";
-// Five wanted, two there: the reader complains on the console.
-const std::string kurz = "Teilchenanzahl 5\nTeilchendaten:\n0.15 0 0 0 0 0\n0.2 0 0 0 0 0\n";
+const std::string vier = "Zeit 42\nTeilchenanzahl 4\nTeilchendaten:\n0.15 0 0 0 1e-3 0\n"
+                         "0.16 0 0 0 2e-3 0\n0.135 0 0 0 3e-3 0\n0.25 0 0 0 4e-3 0\n";
 
 // H = 0.02: the partners of 0.15 are 0.16 (q = 1/2, w = 1 - 6/4 + 6/8 = 1/4) and
 // 0.135 (q = 3/4, w = 2 (1/4)^3 = 1/32); 0.16 and 0.135 are 0.025 apart, 0.25 is
@@ -111,28 +165,22 @@ TEST(Scheibensplash, DichteVonHand) {
 TEST(Scheibensplash, DateienUndMeldungen) {
     Umgebung u;
     hilfen::schreibe(u.datei("s-42"), vier);
-    hilfen::schreibe(u.datei("s-7"), kurz); // the reader's messages: passed on with the name
+    // Five wanted, two there: the reader's complaint is passed on with the name.
+    hilfen::schreibe(u.datei("s-7"),
+                     "Teilchenanzahl 5\nTeilchendaten:\n0.15 0 0 0 0 0\n0.2 0 0 0 0 0\n");
     const std::string ordner = u.datei("aus");
     ASSERT_EQ(0, splash::programm({"-p", u.p, "-o", ordner, u.datei("s-")}, u.out, u.err));
     EXPECT_EQ("x\ny\nz\nvx\nvy\nvz\nh\nm\ndensity\n", hilfen::lies(ordner + "/columns"));
-    std::istringstream tabelle(hilfen::lies(ordner + "/s-42.dat"));
-    std::string kopf[3];
-    for (std::string& k : kopf)
-        std::getline(tabelle, k);
-    EXPECT_EQ("#  42.00000000  time [s]", kopf[1]); // splash wants the point
+    // Time with the point splash wants; the rows in file order, the lone particle last.
+    EXPECT_EQ("# akkscheibe snapshot " + u.datei("s-42") +
+                  ": 4 particles; solar masses, solar radii, seconds\n"
+                  "#  42.00000000  time [s]\n#  x  y  z  vx  vy  vz  h  m  density\n"
+                  "0.15  0  0  0  0.001  0  0.01  1.7281541e-16  7.048009354e-11\n"
+                  "0.16  0  0  0  0.002  0  0.01  1.7281541e-16  6.876106687e-11\n"
+                  "0.135  0  0  0  0.003  0  0.01  1.7281541e-16  5.672788017e-11\n"
+                  "0.25  0  0  0  0.004  0  0.01  1.7281541e-16  5.50088535e-11\n",
+              hilfen::lies(ordner + "/s-42.dat"));
     EXPECT_NE(std::string::npos, hilfen::lies(ordner + "/splash.defaults").find("&PAGEOPTS"));
-    EXPECT_EQ("#  x  y  z  vx  vy  vz  h  m  density", kopf[2]);
-    double zeile[9];
-    int zeilen = 0;
-    while (tabelle >> zeile[0]) {
-        for (int k = 1; k < 9; ++k)
-            tabelle >> zeile[k];
-        ++zeilen;
-    }
-    EXPECT_EQ(4, zeilen);
-    EXPECT_EQ(0.25, zeile[0]); // the lone particle, last
-    EXPECT_EQ(4e-3, zeile[4]);
-    EXPECT_NEAR(1.7281541e-16 * 8 / (3.141592653 * 8e-6), zeile[8], 1e-19);
     const std::string e = u.err.str(); // two lines, both named
     EXPECT_EQ(2, std::count(e.begin(), e.end(), '\n')) << e;
     EXPECT_NE(std::string::npos, e.find("s-7: Teilchenanzahl wurde auf 2 gesetzt !")) << e;
@@ -150,9 +198,9 @@ TEST(Scheibensplash, SchlechteEingaben) {
     hilfen::schreibe(u.datei("ohne-h"), hilfen::parameter("Smoothinglength 0\n"));
     const std::string o = u.datei("aus");
     const std::vector<std::pair<Args, int>> faelle = {
-        {{"-p", u.p}, 2},                                   // no snapshot
-        {{"-p", u.p, "-o", "", u.datei("s-1")}, 2},         // empty folder name
-        {{"-p", u.p, "-o", o, u.datei("kein-2")}, 1},       // no "Teilchendaten:"
+        {{"-p", u.p}, 2},                             // no snapshot
+        {{"-p", u.p, "-o", "", u.datei("s-1")}, 2},   // empty folder name
+        {{"-p", u.p, "-o", o, u.datei("kein-2")}, 1}, // no "Teilchendaten:"
         {{"-p", u.datei("ohne-h"), "-o", o, u.datei("s-1")}, 1},
         {{"-p", u.p, "-o", u.datei("s-1") + "/x", u.datei("s-1")}, 1}, // folder under a file
     };
@@ -161,17 +209,6 @@ TEST(Scheibensplash, SchlechteEingaben) {
         EXPECT_EQ(status, splash::programm(a, u.out, u.err)) << a.back();
         EXPECT_EQ(0u, u.err.str().rfind("scheibensplash: ", 0)) << a.back() << ": " << u.err.str();
     }
-}
-
-// PNG width and height from the IHDR chunk.
-std::pair<unsigned, unsigned> groesse(const std::string& png) {
-    auto zahl = [&](std::size_t i) {
-        unsigned w = 0;
-        for (std::size_t k = i; k < i + 4; ++k)
-            w = w * 256 + static_cast<unsigned char>(png.at(k));
-        return w;
-    };
-    return {zahl(16), zahl(20)};
 }
 
 // Snapshots at 9 s (one particle) and 3 s (two), given out of order.
@@ -189,8 +226,8 @@ TEST(Werkzeuge, ZeitfolgeUndFilm) {
     // Frames are numbered in order of time and drawn exactly as the pictures
     // of the same run named after the snapshots; odd sizes are made even. One
     // view of 101 pixels: 241 x 205 + 12 per extra legend line before rounding up.
-    const Args lauf = {"-p", u.p, "--pixel", "101", "--ansicht", "oben", u.datei("a-9"),
-                       u.datei("a-3")};
+    const Args lauf = {"-p",        u.p,    "--pixel",      "101",
+                       "--ansicht", "oben", u.datei("a-9"), u.datei("a-3")};
     Args film = lauf, namen = lauf;
     film.insert(film.end(), {"--film", "-o", u.datei("film")});
     namen.insert(namen.end(), {"-o", u.datei("namen")});
@@ -201,8 +238,14 @@ TEST(Werkzeuge, ZeitfolgeUndFilm) {
     const std::string b0 = hilfen::lies(u.datei("film/bild-0000.png"));
     EXPECT_EQ(hilfen::lies(u.datei("namen/a-3.png")), b0);
     EXPECT_EQ(hilfen::lies(u.datei("namen/a-9.png")), hilfen::lies(u.datei("film/bild-0001.png")));
-    const auto [breite, hoehe] = groesse(b0);
-    EXPECT_TRUE(breite % 2 == 0 && hoehe % 2 == 0 && breite == 242) << breite << " x " << hoehe;
+    // PNG width and height: big-endian at bytes 16 and 20 of the IHDR chunk.
+    auto zahl = [&b0](std::size_t i) {
+        unsigned w = 0;
+        for (std::size_t k = i; k < i + 4; ++k)
+            w = w * 256 + static_cast<unsigned char>(b0.at(k));
+        return w;
+    };
+    EXPECT_TRUE(zahl(16) == 242 && zahl(20) % 2 == 0) << zahl(16) << " x " << zahl(20);
     EXPECT_NE(std::string::npos, u.err.str().find("bild-0002.png is left from an earlier run"));
     EXPECT_EQ(2, bild::programm({"-p", u.p, "--film", u.datei("a-9")}, u.out, u.err));
 }

@@ -112,7 +112,9 @@ template <class Scheibe> void BM_ForceInit(benchmark::State& state) {
     paarZaehler(state, double(s.ww->paare()));
 }
 
-// One force alone on a prepared disc (the forces only add to a).
+// One force alone on a prepared disc (the forces only add to a), its pair
+// terms formed anew each time (alone: a disc with several forces forms
+// the terms of all of them in one pass, BM_Auswertung).
 template <class Kraft> void BM_Kraft(benchmark::State& state) {
     Szenario& sz = szenario(state.range(0));
     Faeden faeden(state);
@@ -123,7 +125,10 @@ template <class Kraft> void BM_Kraft(benchmark::State& state) {
     kraft.deriv_ohne_init(s, *sz.phys);
     std::size_t zuw = 0;
     for (auto _ : state)
-        gezaehlt(zuw, [&] { kraft.deriv_ohne_init(s, *sz.phys); });
+        gezaehlt(zuw, [&] {
+            s.ww->erledigt = 0; // the pair terms anew, as after a force_init
+            kraft.deriv_ohne_init(s, *sz.phys);
+        });
     state.counters["allocs_per_eval"] = double(zuw) / double(state.iterations());
     paarZaehler(state, double(s.ww->paare()));
 }
@@ -166,6 +171,33 @@ struct Schritte {
         paarZaehler(state, double(s.ww->paare()));
     }
 };
+
+// The arithmetic floor: divisions (and square roots) of doubles, 4096
+// independent ones in the lanes of the vector unit, the way the pair loops
+// form them: time per operation (argument 0 division, 1 root). A pair costs at least 29 divisions and one
+// root under the arithmetic of its terms (README, Performance).
+void BM_Boden(benchmark::State& state) {
+    std::vector<double> a(4096), b(4096), c(4096);
+    for (std::size_t i = 0; i < a.size(); ++i)
+        a[i] = 1.0 + double(i), b[i] = 3.0 + 0.5 * double(i);
+    const bool wurzel = state.range(0) == 1;
+    for (auto _ : state) {
+        double *x = a.data(), *y = b.data(), *z = c.data();
+        if (wurzel) {
+#pragma omp simd
+            for (std::size_t i = 0; i < 4096; ++i)
+                z[i] = std::sqrt(x[i]);
+        } else {
+#pragma omp simd
+            for (std::size_t i = 0; i < 4096; ++i)
+                z[i] = x[i] / y[i];
+        }
+        benchmark::DoNotOptimize(c.data());
+        benchmark::ClobberMemory();
+    }
+    state.counters["s_per_op"] = benchmark::Counter(
+        4096.0 * double(state.iterations()), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
 
 // One evaluation of the four forces (force_init, then Externforce,
 // Pressure, Artvisc, Physvisc), as every stage of a step makes it.
@@ -395,6 +427,7 @@ BENCHMARK_TEMPLATE(BM_Kraft, Externforce)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Pressure)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Artvisc)->Apply(groesse);
 BENCHMARK_TEMPLATE(BM_Kraft, Physvisc)->Apply(groesse);
+BENCHMARK(BM_Boden)->Arg(0)->Arg(1);
 BENCHMARK(BM_Auswertung)->Apply(groesse);
 BENCHMARK(BM_Woertlich)->Args({10000, 1})->Args({100000, 1})->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RungeKuttaSchritt)->Apply(groesse);

@@ -1,12 +1,13 @@
-// The stream: its six keys, all of which must be present with usable values
-// (every missing or bad one named in its own message); as the disc's update
-// hook, how many particles it appends to each disc class, where and how fast,
-// the same particles for the same seed, and its checks against the binary.
+// The stream: its six keys, each missing or bad one named in its own message; as the disc's update
+// hook, how many particles it appends to each disc class, where and how fast, the same particles
+// for the same seed, and its checks against the binary. The progress line: what it shows, at most
+// once a wall-clock second, in place on a terminal and line by line elsewhere.
 
 #include "strom/Stromquelle.h"
 #include "kraefte/Scheibenfabrik.h"
 #include "scheibe/AkkScheibe.h"
 #include "scheibe/PressArtviscTeilchen.h"
+#include "strom/Fortschritt.h"
 #include "strom/InitStrom.h"
 #include "tests/Hilfen.h"
 
@@ -15,18 +16,18 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <sstream>
 #include <tuple>
 #include <vector>
 
 namespace {
 
+const std::string f = "Strom: Fehler: ";
 const std::string alle = "Stromrate 3.2e-17 Stromgeschwindigkeit 7e-6 Stromstreuung 7e-7\n"
                          "Stromabstand 0.005 Strombreite 0.006 Stromsaat 18446744073709551615\n";
 
-InitStrom lies(const std::string& inhalt) {
-    hilfen::TempOrdner o;
-    hilfen::schreibe(o.datei("p"), inhalt);
-    return InitStrom(o.datei("p").c_str());
+InitStrom lies(const std::string& zusatz) {
+    return InitStrom(hilfen::Dateien(zusatz).param.c_str());
 }
 
 TEST(InitStrom, LiestJedenSchluessel) {
@@ -40,8 +41,9 @@ TEST(InitStrom, LiestJedenSchluessel) {
 }
 
 TEST(InitStrom, MeldetFehlendeUndSchlechteWerte) {
-    const std::string f = "Strom: Fehler: ";
     const std::string saat = "braucht eine ganze Zahl von 0 bis 18446744073709551615, nicht '";
+    const std::string licht = " ist nicht unter der Lichtgeschwindigkeit, 0.430922 Sonnenradien "
+                              "pro Sekunde !";
     // A bad value after the good ones: each is reported, even where a good value stands.
     const std::pair<std::string, std::string> faelle[] = {
         {"Stromrate -1e-17", "Stromrate muss mindestens 0 sein, nicht '-1e-17' !"},
@@ -50,10 +52,8 @@ TEST(InitStrom, MeldetFehlendeUndSchlechteWerte) {
         {"Stromstreuung 1e999", "Stromstreuung braucht eine endliche Zahl, nicht '1e999' !"},
         {"Strombreite 0.1x", "Strombreite braucht eine endliche Zahl, nicht '0.1x' !"},
         // 5 km/s entered as 5 solar radii per second; the speed of light is 0.430922.
-        {"Stromgeschwindigkeit 5", "Stromgeschwindigkeit 5 ist nicht unter der "
-                                   "Lichtgeschwindigkeit, 0.430922 Sonnenradien pro Sekunde !"},
-        {"Stromstreuung 0.431", "Stromstreuung 0.431 ist nicht unter der "
-                                "Lichtgeschwindigkeit, 0.430922 Sonnenradien pro Sekunde !"},
+        {"Stromgeschwindigkeit 5", "Stromgeschwindigkeit 5" + licht},
+        {"Stromstreuung 0.431", "Stromstreuung 0.431" + licht},
         {"Stromabstand 0", "Stromabstand muss gr\xf6\xdf"
                            "er als 0 sein, nicht '0' !"},
         {"Stromsaat -1", "Stromsaat " + saat + "-1' !"},
@@ -72,30 +72,34 @@ TEST(InitStrom, MeldetFehlendeUndSchlechteWerte) {
                              "bis 18446744073709551615) !");
 }
 
-const double m = 1.7281541e-16; // particle mass, solar masses
+// The default binary (period 5453.6 s; L1 at x = -0.378, 0.435 from the primary) with the keys
+// `zusatz`, and a disc of class `art` (0 test particles to 3 viscous gas) of two particles.
+struct Zwei : hilfen::Aufbau {
+    std::unique_ptr<AkkScheibe> scheibe;
+    Zwei(const std::string& zusatz, int art, const std::string& zeit)
+        : Aufbau(zusatz, "Teilchenanzahl 2 Zeit " + zeit +
+                             " Teilchendaten:\n0.2 0 0 0 1e-3 0\n-0.1 0.05 0 1e-4 -1e-3 0\n"),
+          scheibe(erzeugeScheibe(art, ia, phys)) {}
+    // A step of the driver ending at disc time t: the hook is called.
+    void schritt(double t) {
+        scheibe->t(t);
+        scheibe->update();
+    }
+};
+
 // 0.26 particle masses per second; counts at 5, 20, 40 s stay clear of whole numbers.
 const std::string rate026 = "Stromrate 4.49320066e-17 ";
 
-// The default binary (L1 at x = -0.378, 0.435 from the primary) with the
-// stream keys `strom`, and a disc of two particles at time 100 of kind 0
-// (test particles) to 3 (viscous gas), fed by the stream.
-struct Strom : hilfen::Aufbau {
+// Fed by the stream from time 100.
+struct Strom : Zwei {
     InitStrom init{param.c_str()};
-    std::unique_ptr<AkkScheibe> scheibe;
-    std::unique_ptr<Stromquelle> quelle;
-    explicit Strom(const std::string& strom, int art = 0)
-        : Aufbau(strom, "Teilchenanzahl 2 Zeit 100 Teilchendaten:\n"
-                        "0.2 0 0 0 1e-3 0\n-0.1 0.05 0 1e-4 -1e-3 0\n"),
-          scheibe(erzeugeScheibe(art, ia, phys)),
-          quelle(std::make_unique<Stromquelle>(*scheibe, phys, init)) {
-        scheibe->set_update(quelle.get());
+    Stromquelle quelle{*scheibe, phys, init};
+    explicit Strom(const std::string& strom, int art = 0) : Zwei(strom, art, "100") {
+        scheibe->set_update(&quelle);
     }
-    // Steps the disc's time to each of `zeiten` and calls the hook, as the driver does.
     std::vector<Teilchen> schritte(std::initializer_list<double> zeiten) {
-        for (double t : zeiten) {
-            scheibe->t(t);
-            scheibe->update();
-        }
+        for (double t : zeiten)
+            schritt(t);
         std::vector<Teilchen> alle;
         for (int i = 0; i < scheibe->tanz(); ++i)
             alle.push_back((*scheibe)[i]);
@@ -116,22 +120,21 @@ TEST(Stromquelle, HaengtDieTeilchenDerMassenrateHinterL1AnJedeScheibenklasseAn) 
         const std::pair<double, int> soll[] = {{100, 2},  {105, 3},  {120, 7},
                                                {140, 12}, {130, 12}, {140.5, 12}};
         for (auto [t, n] : soll) {
-            s.schritte({t});
+            s.schritt(t);
             disc.processEvents(); // before each evaluation of the forces: nothing
             EXPECT_EQ(disc.tanz(), n) << "class " << art << " at " << t;
         }
         EXPECT_EQ(disc[0].r, erstes.r);
         EXPECT_EQ(disc[1].v, zweites.v);
-        // Without spreads every particle lies on the axis, moving at 1e-5
-        // toward the primary. Particle k crossed x = xL1 + 0.004 at
-        // 100 + (k + 1) / 0.26 s and has drifted on since: particle 0 from
-        // 103.846154 to 105, particles 1 to 4 from 107.692308, ..., 119.230769 to 120.
+        // Without spreads every particle lies on the axis, moving at 1e-5 toward the primary.
+        // Particle k crossed x = xL1 + 0.004 at 100 + (k + 1) / 0.26 s and has drifted on since:
+        // particle 0 from 103.846154 to 105, particles 1 to 4 from 107.692308, ..., 119.230769 to
+        // 120.
         const double alter[] = {1.153846, 12.307692, 8.461538, 4.615385, 0.769231};
         for (int k = 0; k < 5; ++k) {
             const Teilchen& t = disc[2 + k];
             EXPECT_NEAR(t.r[0] - s.phys.xL1, 0.004 + 1e-5 * alter[k], 1e-11) << k;
-            EXPECT_EQ(t.r[1], 0.0);
-            EXPECT_EQ(t.r[2], 0.0);
+            EXPECT_EQ(t.r, (Vektor3{t.r[0], 0, 0}));
             EXPECT_EQ(t.v, (Vektor3{1e-5, 0, 0}));
         }
         if (art == 0)
@@ -141,10 +144,9 @@ TEST(Stromquelle, HaengtDieTeilchenDerMassenrateHinterL1AnJedeScheibenklasseAn) 
         hilfen::Mitschnitt still(std::cout);
         disc.force_init(s.phys);
         for (int i = 2; i < disc.tanz(); ++i) {
-            EXPECT_GE(static_cast<SphTeilchen&>(disc[i]).rho, m * s.kernel.fak);
-            if (art >= 2) {
+            EXPECT_GE(static_cast<SphTeilchen&>(disc[i]).rho, 1.7281541e-16 * s.kernel.fak);
+            if (art >= 2)
                 EXPECT_GT(static_cast<PressArtviscTeilchen&>(disc[i]).cs, 0);
-            }
         }
     }
 }
@@ -157,7 +159,7 @@ TEST(Stromquelle, StreutNormalverteiltUmDieStromachse) {
     Strom s("Stromrate 1.7281541e-16 Stromgeschwindigkeit 7e-6 Stromstreuung 2e-6 "
             "Stromabstand 0.005 Strombreite 0.003 Stromsaat 42");
     for (int i = 1; i <= 400; ++i)
-        s.schritte({100 + 10 * i + 0.5});
+        s.schritt(100 + 10 * i + 0.5);
     AkkScheibe& disc = *s.scheibe;
     const int n = disc.tanz() - 2;
     ASSERT_EQ(n, 4000);
@@ -201,13 +203,10 @@ TEST(Stromquelle, GleicheSaatGibtGleicheTeilchen) {
     ASSERT_EQ(c.size(), 12u);
     for (std::size_t i = 2; i < 12; ++i) {
         // The same seed and steps: the same particles, bit for bit.
-        EXPECT_EQ(a[i].r, b[i].r);
-        EXPECT_EQ(a[i].v, b[i].v);
+        EXPECT_TRUE(a[i].r == b[i].r && a[i].v == b[i].v) << i;
         // Other steps: the same draws for particle k; only the drift along x
         // depends on when it was appended.
-        EXPECT_EQ(a[i].r[1], c[i].r[1]);
-        EXPECT_EQ(a[i].r[2], c[i].r[2]);
-        EXPECT_EQ(a[i].v, c[i].v);
+        EXPECT_TRUE(a[i].r[1] == c[i].r[1] && a[i].r[2] == c[i].r[2] && a[i].v == c[i].v) << i;
         // Another seed: other draws.
         EXPECT_NE(a[i].r[1], d[i].r[1]);
     }
@@ -216,7 +215,6 @@ TEST(Stromquelle, GleicheSaatGibtGleicheTeilchen) {
 TEST(Stromquelle, PrueftDenStromGegenDasDoppelsternsystem) {
     const std::string rest = "Stromgeschwindigkeit 1e-5 Stromstreuung 1e-6 Strombreite 0.003 "
                              "Stromsaat 1 ";
-    const std::string f = "Strom: Fehler: ";
     const std::pair<std::string, std::string> faelle[] = {
         // L1 lies 0.43467 from the primary: the injection must stay outside eta = 0.05.
         {"Stromabstand 0.38", ""},
@@ -230,16 +228,18 @@ TEST(Stromquelle, PrueftDenStromGegenDasDoppelsternsystem) {
              "Prim\xe4rstern, 0.37967 !"},
         // A period of 0 leaves the stars no separation and no L1 to stream through.
         {"Stromabstand 0.005 Bahnperiode 0",
-         f + "die Bahndaten geben keinen Lagrangepunkt L1 au\xdf" "erhalb von eta 0.05 um den "
+         f + "die Bahndaten geben keinen Lagrangepunkt L1 au\xdf"
+             "erhalb von eta 0.05 um den "
              "Prim\xe4rstern !"},
     };
     for (const auto& [zusatz, meldung] : faelle)
-        EXPECT_EQ(Strom(rate026 + rest + zusatz).quelle->pruefe(1100), meldung) << zusatz;
+        EXPECT_EQ(Strom(rate026 + rest + zusatz).quelle.pruefe(1100), meldung) << zusatz;
     // A rate per year given as per second: 1e-9 for 1000 s is 5.78652e9 particle masses.
     // 5e5 particles (8.6407705e-14 for 1000 s) are allowed, and so is any rate backwards in time.
     Strom jahr("Stromrate 1e-9 Stromabstand 0.005 " + rest);
-    Stromquelle& q = *jahr.quelle;
-    EXPECT_EQ(q.pruefe(1100), f + "Stromrate 1e-09 Sonnenmassen pro Sekunde br\xe4" "chte bis "
+    Stromquelle& q = jahr.quelle;
+    EXPECT_EQ(q.pruefe(1100), f + "Stromrate 1e-09 Sonnenmassen pro Sekunde br\xe4"
+                                  "chte bis "
                                   "Outputtime 5.78652e+09 Teilchen, mehr als 1000000 !");
     EXPECT_EQ(q.pruefe(50), "");
     q.rate = 8.6407705e-14;
@@ -249,6 +249,68 @@ TEST(Stromquelle, PrueftDenStromGegenDasDoppelsternsystem) {
     EXPECT_EQ(q.soll(1e12), strom::hoechstens);
     EXPECT_EQ(q.soll(50), 0);
     EXPECT_EQ(q.soll(std::numeric_limits<double>::quiet_NaN()), 0);
+}
+
+// Counts the calls it passes on.
+struct Zaehler : Update {
+    int updates = 0, events = 0;
+    void update() override { ++updates; }
+    void processEvents() override { ++events; }
+};
+
+// The progress of a run from time 0, on a wall clock `uhr`.
+struct Lauf : Zwei {
+    Lauf() : Zwei("", 0, "0") {}
+    double uhr = 10;
+    Zaehler innen;
+    std::ostringstream aus;
+    std::unique_ptr<Fortschritt> fortschritt(double tEnde, bool terminal) {
+        auto f = std::make_unique<Fortschritt>(innen, *scheibe, phys, tEnde, aus, terminal,
+                                               [this] { return uhr; });
+        scheibe->set_update(f.get());
+        return f;
+    }
+    void schritt(double t, double wand) {
+        uhr = wand;
+        Zwei::schritt(t);
+    }
+};
+
+TEST(Fortschritt, ZeigtHoechstensEinmalProSekundeZeileFuerZeile) {
+    Lauf l;
+    auto f = l.fortschritt(2 * 5453.6, false); // two orbits
+    // First step, half an orbit in one second: shown at once; a quarter of the way in a second
+    // leaves three seconds. Half a second later: not shown. A second after the first line, two
+    // steps in it; one orbit in two seconds leaves two.
+    l.schritt(2726.8, 11);
+    l.schritt(3000, 11.5);
+    l.schritt(5453.6, 12);
+    f->processEvents();
+    // The end: no time since the last line, nothing left.
+    l.scheibe->t(2 * 5453.6);
+    f->abschluss();
+    EXPECT_EQ(l.aus.str(), "t 2726.8 s (0.5 Bahnen), 2 Teilchen, 1.0 Schritte/s, Rest 0:00:03\n"
+                           "t 5453.6 s (1 Bahnen), 2 Teilchen, 2.0 Schritte/s, Rest 0:00:02\n"
+                           "t 10907.2 s (2 Bahnen), 2 Teilchen, - Schritte/s, Rest 0:00:00\n");
+    EXPECT_EQ(l.innen.updates, 3);
+    EXPECT_EQ(l.innen.events, 1);
+}
+
+TEST(Fortschritt, SchreibtAufEinemTerminalDieZeileNeu) {
+    // 2726.8 s of disc time in the first wall second, 10906 times as much
+    // to go: 10906 s = 3 h 1 min 46 s.
+    Lauf l;
+    auto f = l.fortschritt(2726.8 * 10907, true);
+    l.schritt(2726.8, 11);
+    f->abschluss();
+    EXPECT_EQ(l.aus.str(),
+              "\rt 2726.8 s (0.5 Bahnen), 2 Teilchen, 1.0 Schritte/s, Rest 3:01:46\033[K"
+              "\rt 2726.8 s (0.5 Bahnen), 2 Teilchen, - Schritte/s, Rest 3:01:46\033[K\n");
+    // No disc time gone yet: no estimate.
+    Lauf n;
+    auto g = n.fortschritt(100, true);
+    g->abschluss();
+    EXPECT_EQ(n.aus.str(), "\rt 0 s (0 Bahnen), 2 Teilchen, - Schritte/s, Rest ?\033[K\n");
 }
 
 } // namespace

@@ -17,7 +17,11 @@ Szenario::Szenario(long n) {
     parameter = ordner + "/OYCar.parameter";
     scheibe = ordner + "/Akk-OYCar-0";
 
-    const double h = 0.03 * std::sqrt(3000.0 / double(n));
+    // AKK_BENCH_PARTNER=P scales h for about P partners a particle instead
+    // of 34 (in a thin disc the partner count grows as h^2).
+    const char* partner = std::getenv("AKK_BENCH_PARTNER");
+    const double p = partner ? std::atof(partner) : 34.3;
+    const double h = 0.03 * std::sqrt(3000.0 / double(n)) * std::sqrt(p / 34.3);
     std::ifstream vorlage(AKK_QUELLE "/data/OYCar.parameter");
     std::stringstream text;
     text << vorlage.rdbuf() << "\nSmoothinglength " << h << "\nAnfangsschrittweite 1\n";

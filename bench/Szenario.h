@@ -15,7 +15,8 @@ class Szenario {
 public:
     // n particles between 0.08 and 0.3 solar radii from the primary; the
     // smoothing length scales as n^-1/2 from 0.03 at 3000 particles, so the
-    // partner count of the thin disc stays the same.
+    // partner count of the thin disc stays the same (about 34, or the
+    // environment's AKK_BENCH_PARTNER).
     explicit Szenario(long n);
     ~Szenario();
     Szenario(const Szenario&) = delete;

@@ -11,11 +11,9 @@ namespace hilfen {
 
 TempOrdner::TempOrdner() {
     std::random_device zufall;
-    for (;;) {
+    do
         p = fs::temp_directory_path() / ("akk-test-" + std::to_string(zufall()));
-        if (fs::create_directory(p))
-            break;
-    }
+    while (!fs::create_directory(p));
 }
 
 TempOrdner::~TempOrdner() {
@@ -48,10 +46,6 @@ void eingaben(const TempOrdner& ordner, const std::optional<std::string>& param,
         schreibe(ordner.datei("data/OYCar.parameter"), *param);
     if (scheibe)
         schreibe(ordner.datei("data/Akk-OYCar-0"), *scheibe);
-}
-
-Lauf starte(const fs::path& ordner, const std::string& vor) {
-    return starte(ordner, vor, AKK_PROGRAMM);
 }
 
 Lauf starte(const fs::path& ordner, const std::string& vor, const std::string& programm,

@@ -1,9 +1,8 @@
 #pragma once
-// Helpers shared by the tests: scratch folders, whole-file reading and
-// writing, capture of the console streams, runs of the executables, and the
-// default binary read from files.
+// Test helpers: scratch folders, files, captured streams, runs, the default binary from files.
 
 #include "init/InitAkkScheibe.h"
+#include "init/InitOdeint.h"
 #include "init/InitPhysSystem.h"
 #include "physik/Kernel1.h"
 #include "physik/PhysSystem.h"
@@ -24,7 +23,6 @@ public:
     TempOrdner(const TempOrdner&) = delete;
     TempOrdner& operator=(const TempOrdner&) = delete;
     const std::filesystem::path& pfad() const { return p; }
-    // Path of a file in the folder, as a string.
     std::string datei(const std::string& name) const { return (p / name).string(); }
 
 private:
@@ -54,27 +52,21 @@ private:
 
 // What one run of the executable printed and returned.
 struct Lauf {
-    std::string out;
-    std::string err;
+    std::string out, err;
     int status;
 };
 
-// Runs the built executable with `ordner` as working directory (it reads
-// ordner/data/OYCar.parameter and ordner/data/Akk-OYCar-0). `vor` is shell
-// text put before the program, e.g. "ulimit -v 1000000 && timeout 60 ".
-Lauf starte(const std::filesystem::path& ordner, const std::string& vor = "");
-// The same for another of the project's executables, given by its path;
-// `argumente` is shell text put after the program.
-Lauf starte(const std::filesystem::path& ordner, const std::string& vor,
-            const std::string& programm, const std::string& argumente = "");
+// Runs an executable (the simulator, which reads ordner/data/OYCar.parameter and
+// ordner/data/Akk-OYCar-0) in `ordner`; `vor` and `argumente` are shell text put before and
+// after the program, e.g. "ulimit -v 1000000 && timeout 60 ".
+Lauf starte(const std::filesystem::path& ordner, const std::string& vor = "",
+            const std::string& programm = AKK_PROGRAMM, const std::string& argumente = "");
 
-// A parameter file with every key of a test-particle run around the default
-// binary; `zusatz` is appended (forces, switches, overrides: the last
-// occurrence of a key wins).
+// A parameter file with every key of a test-particle run around the default binary; `zusatz`
+// is appended (forces, switches, overrides: the last occurrence of a key wins).
 std::string parameter(const std::string& zusatz);
 
-// The input files of a run in ordner/data (created): parameter file and
-// initial disc, each left out when nullopt.
+// The input files of a run in ordner/data (created), each left out when nullopt.
 void eingaben(const TempOrdner& ordner, const std::optional<std::string>& param,
               const std::optional<std::string>& scheibe);
 
@@ -95,6 +87,14 @@ struct Aufbau : Dateien {
     PhysSystem phys{ip, &kernel};
     InitAkkScheibe ia{param.c_str(), disc.c_str()};
     using Dateien::Dateien;
+};
+
+// The binary and the integrator's settings without files: the readers only complain.
+struct OhneDateien {
+    Mitschnitt still{std::cerr};
+    InitOdeint io{""};
+    InitPhysSystem ip{"", ""};
+    PhysSystem phys{ip, nullptr};
 };
 
 } // namespace hilfen

@@ -6,10 +6,9 @@
 #include <iostream>
 #include <string>
 
-// A scratch directory of this process, removed at exit (never destroyed, so the
-// exit handler cannot outlive it). The readers' messages about malformed input
-// are expected: std::cout and std::cerr lose their buffers and write nothing;
-// libFuzzer and the sanitizers write to the file descriptors and stay visible.
+// A scratch directory of this process, removed at exit (never destroyed, so the exit handler
+// cannot outlive it). The readers' messages on malformed input are expected: std::cout and
+// std::cerr lose their buffers; libFuzzer and the sanitizers write to the descriptors, visible.
 inline const std::string& fuzzVerzeichnis() {
     static const std::string* v = [] {
         std::cout.rdbuf(nullptr);

@@ -1,7 +1,5 @@
-// The four readers on arbitrary text, then the kernel, the physical system and
-// one evaluation of all four forces on a small gas disc under whatever they
-// read (masses, period, smoothing length, viscosities): nothing may crash,
-// hang or leak.
+// The four readers on arbitrary text, then kernel, binary and one evaluation of all four forces on
+// a small gas disc under whatever they read: nothing may crash, hang or leak.
 #include "Hilfe.h"
 #include "init/InitAkkScheibe.h"
 #include "init/InitOdeint.h"

@@ -1,5 +1,4 @@
-// Arbitrary text as a disc file for each disc class: read, prepare the forces
-// (SPH discs), write, read the written file back and compare.
+// Arbitrary text as a disc file of each class: read, prepare forces, write, read back, compare.
 #include "Hilfe.h"
 #include "init/InitAkkScheibe.h"
 #include "init/InitPhysSystem.h"
@@ -20,8 +19,7 @@ static PhysSystem& phys() {
     return system;
 }
 
-// A snapshot keeps six significant digits, the default stream format, which is
-// printf's %g: a value read back must be the %g rounding of the value written.
+// A snapshot keeps six digits (the stream default, printf's %g): read back is the %g rounding.
 static bool gerundet(double geschrieben, double gelesen) {
     char text[32];
     std::snprintf(text, sizeof text, "%g", geschrieben);

@@ -1,6 +1,5 @@
-// The readers of the parameter and disc files scan words for their keys; the last occurrence
-// wins, and a value that does not parse ends that reader's scan without being stored. (Whole
-// runs check a bad value in each reader, an integer written as a real, and missing files.)
+// The readers scan words for their keys; the last occurrence wins, and a value that does not parse
+// ends that reader's scan unstored. (Bad values, integers as reals, missing files: whole runs.)
 
 #include "init/InitOdeint.h"
 #include "init/InitPhysSystem.h"

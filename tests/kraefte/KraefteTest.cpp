@@ -1,10 +1,7 @@
-// The force composite: its members in order after one preparation. (The
-// external force is checked bit for bit in tests/odeint/FormelnTest.cpp and
-// against the Jacobi integral in tests/validation.)
+// The force composite: its members in order after one preparation. (The external force is checked
+// bit for bit in tests/odeint/FormelnTest.cpp and against the Jacobi integral in tests/validation.)
 
 #include "kraefte/Kraefte.h"
-#include "init/InitPhysSystem.h"
-#include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
 #include "tests/Hilfen.h"
 
@@ -35,12 +32,10 @@ TEST(Kraefte, MitgliederLaufenInReihenfolgeNachEinerVorbereitung) {
     Haken h;
     h.s.teilchen.resize(1);
     h.s.set_update(&h);
-    hilfen::Mitschnitt still(std::cerr); // no files: the reader only complains
-    InitPhysSystem ip("", "");
-    PhysSystem p(ip, nullptr);
+    hilfen::OhneDateien l;
     h.s[0].a[0] = 5; // stale: the preparation must clear it
-    k.derivatives(h.s, p);
-    k.derivatives(h.s, p);
+    k.derivatives(h.s, l.phys);
+    k.derivatives(h.s, l.phys);
     EXPECT_EQ(h.s[0].a[0], 132);
     EXPECT_EQ(h.log, "E0E0");  // once per call, after clearing, before the members
     EXPECT_EQ(k.scheibe(), 3); // the largest code of the members

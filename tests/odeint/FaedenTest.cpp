@@ -1,8 +1,6 @@
-// Threads: the force evaluation and the stepper give the same bits on any
-// number of threads. A whole run rounds its output to six digits and rarely
-// shows a changed order of additions; this compares every double of the
-// state. (That each particle sums its pairs in pair-list order, however the
-// pair search was split, FormelnTest checks on three threads.)
+// The forces and the stepper give the same bits on any number of threads, every double of the
+// state compared (a six-digit run rarely shows a changed order of additions). Pair-list order of
+// each particle's sums, however the search was split: FormelnTest, on three threads.
 
 #include "odeint/RungeKutta.h"
 #include "tests/odeint/Zufallsscheibe.h"
@@ -24,9 +22,8 @@ struct Zustand {
     }
 };
 
-// One evaluation of all four forces and one adaptive step on `faeden`
-// threads; every per-particle double of the evaluation and every particle's
-// partners in order, then the state after the step.
+// One evaluation of all four forces and one adaptive step on `faeden` threads; every per-particle
+// double of the evaluation, then the state after the step (the partners' order: FormelnTest).
 Zustand laufe(int faeden, unsigned seed) {
     hilfen::Fadenzahl f(faeden);
     hilfen::Zufallslauf l("Anfangsschrittweite 20", seed);
@@ -41,9 +38,6 @@ Zustand laufe(int faeden, unsigned seed) {
             z << x;
         z << t.rho, z << t.p, z << t.temperatur, z << t.cs;
     }
-    for (const PhysviscTeilchen& t : s.teilchen)
-        for (std::size_t k = 0; k < t.pvww.size(); ++k)
-            z << double(s.gitter->index[t.pvww.partner(k)]);
     RungeKutta rk(s, l.io);
     double hdid = 0, hnext = 0;
     rk.stepper(s, l.phys, l.k, &hdid, &hnext);
@@ -64,8 +58,7 @@ TEST(Faeden, JedeFadenzahlGibtDieselbenBits) {
 }
 
 TEST(Faeden, DuennesGitterMitMilliardenEbenen) {
-    // h = 1e-9 over a box of about a solar radius: some 1e9 cell planes, of
-    // which only the occupied cells are kept; the lone particles find no pairs.
+    // h = 1e-9: some 1e9 cell planes, only the occupied cells kept; lone particles, no pairs.
     hilfen::Fadenzahl f(3);
     hilfen::Zufallslauf l("Smoothinglength 1e-9", 4);
     hilfen::Mitschnitt still(std::cout);

@@ -1,12 +1,8 @@
-// Every formula of the force evaluation and of the stepper's stages against
-// a literal transcription of its definition, bit for bit, on a random disc
-// of 4000 particles (some 30 000 pairs), on one thread and on three; the
-// pairs from a literal search, so each particle's list is compared, entry
-// by entry, with the order the definition gives it. The
-// transcriptions follow the written operation order and grouping (x*x + y*y
-// then + z*z; 0.01 * (h*h); h * (b * k) added in order), so a regrouped sum
-// or a reordered product in the optimised code shows up here even where a
-// whole run, rounded to six digits, would not show it.
+// Every formula of the forces and of the stepper's stages against a literal transcription of its
+// definition, bit for bit, on a random disc of 4000 particles, on one thread and on three; each
+// particle's pair list entry by entry against a literal search. The transcriptions keep the written
+// operation order and grouping (x*x + y*y then + z*z; 0.01 * (h*h); h * (b * k) added in order):
+// a regrouped sum or reordered product shows here even where a six-digit run would not show it.
 
 #include "odeint/RungeKutta.h"
 #include "scheibe/PressArtviscTemplates.h"
@@ -46,10 +42,9 @@ double kern(double h, double r, double v[3]) {
     return 2 * (((1 - q) * (1 - q)) * (1 - q));
 }
 
-// The pair list as the definition builds it, literally: a grid of nested
-// vectors over the box, the particles binned with ceil in vector order
-// (clamped into the border cells), the home cells in (i, j, k) order, each
-// with itself (m < n) and its 13 forward neighbours (the neighbour's
+// The pair list as the definition builds it, literally: a grid of nested vectors over the box,
+// the particles binned with ceil in vector order (clamped into the border cells), the home cells
+// in (i, j, k) order, each with itself (m < n) and its 13 forward neighbours (the neighbour's
 // particle first), pairs strictly closer than h.
 std::vector<std::pair<int, int>> literaleSuche(const PhysviscAkkScheibe& s) {
     const std::vector<PhysviscTeilchen>& t = s.teilchen;
@@ -94,8 +89,7 @@ std::vector<std::pair<int, int>> literaleSuche(const PhysviscAkkScheibe& s) {
     return paare;
 }
 
-// The random disc with h = 0.0237 (some 30 000 pairs) on GetParam() threads,
-// every loop spread over them however small.
+// The random disc with h = 0.0237 (some 30 000 pairs) on GetParam() threads.
 struct Formeln : ::testing::TestWithParam<int> {
     hilfen::Fadenzahl faeden{GetParam()};
     hilfen::Zufallslauf l{"Anfangsschrittweite 20 Viskositaet 3e-7 Smoothinglength 0.0237", 11};
@@ -104,7 +98,7 @@ struct Formeln : ::testing::TestWithParam<int> {
 
 TEST_P(Formeln, KraefteWieIhreDefinition) {
     l.k.derivatives(l.s, l.phys);
-    const PhysSystem& ph = l.phys;
+    PhysSystem& ph = l.phys;
     const double m = ph.mTeilchen, h = ph.h, fak = l.kernel.fak, dfak = l.kernel.dfak;
     std::vector<PhysviscTeilchen>& t = l.s.teilchen;
     Vergleich v;
@@ -127,8 +121,7 @@ TEST_P(Formeln, KraefteWieIhreDefinition) {
         }
     }
 
-    // The pair records on request: separation, distance, velocity difference,
-    // kernel and gradient, and the pair terms.
+    // The pair records on request: separation, distance, velocity difference, kernel, gradient.
     const std::vector<PhysviscWW> ww = scheibe::_paare<PhysviscWW>(l.s, t, *l.s.gitter, l.phys);
     ASSERT_EQ(ww.size(), paare.size());
     struct Paar {
@@ -167,10 +160,8 @@ TEST_P(Formeln, KraefteWieIhreDefinition) {
         v(t[i].cs, std::sqrt(3.4328e-14 * T), "cs", long(i));
     }
 
-    // Pair terms: pressure, artificial viscosity (approaching pairs only),
-    // the pair's shear tensor and, from the particles' tensors, its viscous
-    // vector; each also as the record's own operations give it.
-    PhysSystem& phys = l.phys;
+    // Pair terms: pressure, artificial viscosity (approaching pairs only), shear tensor and, from
+    // the particles' tensors, viscous vector; each also as the record's own operations give it.
     for (std::size_t n = 0; n < paare.size(); ++n) {
         const PhysviscTeilchen &a = t[std::size_t(paare[n].first)], &b = t[std::size_t(paare[n].second)];
         Paar& P = soll[n];
@@ -196,10 +187,10 @@ TEST_P(Formeln, KraefteWieIhreDefinition) {
         P.pv[1] = (T[1] * y[0] + T[3] * y[1]) + T[4] * y[2];
         P.pv[2] = (T[2] * y[0] + T[4] * y[1]) + T[5] * y[2];
         PhysviscWW w = ww[n];
-        scheibe::_press(w, w.pt1, w.pt2, phys);
-        scheibe::_pi(w, w.pt1, w.pt2, phys);
-        w.sigma(phys);
-        w.physvisc(phys);
+        scheibe::_press(w, w.pt1, w.pt2, ph);
+        scheibe::_pi(w, w.pt1, w.pt2, ph);
+        w.sigma(ph);
+        w.physvisc(ph);
         v(w.press, P.press, "press", long(n));
         v(w.pi, P.pi, "pi", long(n));
         for (int c = 0; c < 6; ++c)
@@ -208,18 +199,17 @@ TEST_P(Formeln, KraefteWieIhreDefinition) {
             v(w.physviscVektor[c], P.pv[c], "physvisc", long(n));
     }
 
-    // Particle sums over the particle's pairs in list order, and the
-    // acceleration: external force, then pressure, artificial and physical
-    // viscosity, each added to what came before.
+    // Particle sums over the particle's pairs in list order, and the acceleration: external force,
+    // then pressure, artificial and physical viscosity, each added to what came before.
     const double G = -3.9371199385708905e-7, om = ph.omega, om2 = std::pow(om, 2.0);
     for (std::size_t i = 0; i < t.size(); ++i) {
         const PhysviscTeilchen& x = t[i];
         double P[3] = {0, 0, 0}, Q[3] = {0, 0, 0}, V[3] = {0, 0, 0}, S[6] = {0, 0, 0, 0, 0, 0};
         for (long n : liste[i]) {
             const Paar& w = soll[std::size_t(n)];
-            const bool erster = paare[std::size_t(n)].first == int(i);
-            const PhysviscTeilchen& anderer = t[std::size_t(erster ? paare[std::size_t(n)].second
-                                                                   : paare[std::size_t(n)].first)];
+            const auto [p, q] = paare[std::size_t(n)];
+            const bool erster = p == int(i);
+            const PhysviscTeilchen& anderer = t[std::size_t(erster ? q : p)];
             for (int c = 0; c < 3; ++c) {
                 const double g = erster ? w.g[c] : -w.g[c];
                 P[c] = P[c] - w.press * g;
@@ -253,18 +243,16 @@ TEST_P(Formeln, KraefteWieIhreDefinition) {
     EXPECT_EQ(v.fehler, 0) << "of " << v.pruefungen << " doubles";
 }
 
-// The forces of a run, and a copy of each stage state with its derivative
-// (r and v as the stepper set them, a from the forces).
+// The forces, keeping a copy of each stage state (r, v from the stepper, a from the forces).
 struct Mitschrift : RechteSeiteDG {
     RechteSeiteDG& kraefte;
     std::vector<std::vector<Teilchen>> stufen;
     explicit Mitschrift(RechteSeiteDG& k) : kraefte(k) {}
     void deriv_ohne_init(AkkScheibe& s, PhysSystem& phys) override {
         kraefte.deriv_ohne_init(s, phys);
-        std::vector<Teilchen> kopie;
+        stufen.emplace_back();
         for (int i = 0; i < s.tanz(); ++i)
-            kopie.push_back(s[i]);
-        stufen.push_back(std::move(kopie));
+            stufen.back().push_back(s[i]);
     }
     AkkScheibe* createAkkScheibe(InitAkkScheibe&, PhysSystem&) override { return nullptr; }
     int scheibe() override { return kraefte.scheibe(); }
@@ -283,8 +271,7 @@ TEST_P(Formeln, StufenDesSchrittsWieIhreDefinition) {
     const double h = 7.5;
     rk.rkck(l.s, h, l.phys, m);
     ASSERT_EQ(m.stufen.size(), 5u);
-    // The tableau's rows as (coefficient, stage) terms, stage 0 being the
-    // start: stages 2 to 6, the fifth-order result, the error estimate.
+    // Tableau rows (stages 2 to 6, fifth-order result, error) as (coefficient, stage 0 = start).
     const char* namen[] = {"ak2", "ak3", "ak4", "ak5", "ak6", "ytemp", "yerr"};
     const std::vector<std::pair<double, int>> zeilen[] = {
         {{rk.b21, 0}},
@@ -308,9 +295,8 @@ TEST_P(Formeln, StufenDesSchrittsWieIhreDefinition) {
                 v((*gespeichert[st])[j].v[c], stufe[st + 1]->v[c], "k.v", i);
                 v((*gespeichert[st])[j].a[c], stufe[st + 1]->a[c], "k.a", i);
             }
-        // Position rows use the velocities, velocity rows the accelerations;
-        // terms h * (b * k) are added in order to the start value (the error
-        // estimate has none).
+        // Position rows use the velocities, velocity rows the accelerations; terms h * (b * k) are
+        // added in order to the start value (the error estimate has none).
         for (int zeile = 0; zeile < 2; ++zeile)
             for (int c = 0; c < 3; ++c) {
                 auto basis = [&](const Teilchen* x) { return zeile ? x->v[c] : x->r[c]; };

@@ -1,32 +1,18 @@
 // Step-size control of the Cash-Karp stepper and the main loop of a run.
 
-#include "init/InitOdeint.h"
-#include "init/InitPhysSystem.h"
 #include "kraefte/Kraefte.h"
 #include "odeint/RungeKutta.h"
-#include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
 #include "tests/Hilfen.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
-#include <utility>
 
 namespace {
 
-// Settings and binary without files; the readers only complain.
-struct Leer {
-    hilfen::Mitschnitt still{std::cerr};
-    InitOdeint io{""};
-    InitPhysSystem ip{"", ""};
-    PhysSystem p{ip, nullptr};
-};
-
-// a = c - k r. The fifth evaluation (the driver's, then stages 2 to 5 of the first try)
-// adds `stoer` to a_x: stage 5 enters only the error estimate, so the first try gets
-// the error h dc5 stoer, nothing else.
+// a = c - k r. The fifth evaluation (the driver's, then stages 2 to 5 of the first try) adds
+// `stoer` to a_x: stage 5 enters only the error estimate, so the first try's error is h dc5 stoer.
 struct Feld : RechteSeiteDG {
     double stoer, c = 0, k = 0;
     int aufrufe = 0;
@@ -54,26 +40,25 @@ TEST(RungeKutta, SchrittweiteTeilchenverlustStartbeschleunigung) {
         AkkScheibe s;
         s.teilchen.resize(int(f[0]));
         s.t(1);
-        Leer l;
+        hilfen::OhneDateien l;
         RungeKutta rk(s, l.io);
         rk.h = 2;
         rk.eps = std::fabs(2 * rk.dc5) * f[1];
         Feld feld(f[2]);
         double hdid, hnext;
-        feld.derivatives(s, l.p);
-        rk.stepper(s, l.p, feld, &hdid, &hnext);
+        feld.derivatives(s, l.phys);
+        rk.stepper(s, l.phys, feld, &hdid, &hnext);
         EXPECT_DOUBLE_EQ(hdid, f[3]);
         EXPECT_DOUBLE_EQ(hnext, f[4]);
         EXPECT_DOUBLE_EQ(s.t(), 1 + f[3]);
         if (s.tanz() == 0)
             continue;
-        // A particle lost between steps: the stage discs follow the count. The
-        // result carries the acceleration of the step's start.
+        // A particle lost between steps: the stage discs follow; a stays the step start's.
         s.entferne_teilchen(0);
         feld.c = 0.5, feld.k = 0.01;
-        feld.derivatives(s, l.p);
+        feld.derivatives(s, l.phys);
         const Vektor3 a0 = s[0].a;
-        rk.stepper(s, l.p, feld, &hdid, &hnext);
+        rk.stepper(s, l.phys, feld, &hdid, &hnext);
         ASSERT_EQ(s.tanz(), 1);
         EXPECT_EQ(s[0].a, a0);
     }
@@ -90,31 +75,25 @@ struct Uhr : Odeint {
 };
 
 TEST(Odeint, AusgabezeitenBeschneidenUndGrenzen) {
-    // Output times 5 and 10; steps of 3 clipped to them: 3, 2, 3, 2. Primary at
-    // the origin, eta = 0.05, rMax = 1: particles exactly at 0.05 and 1 stay.
+    // Output times 5, 10; steps of 3 clipped: 3, 2, 3, 2. Particles exactly at eta, rMax stay.
     hilfen::TempOrdner o;
     AkkScheibe s;
     s.name = o.datei("S-0");
     s.teilchen.resize(2);
-    s[0].r[0] = 0.05;
-    s[1].r[2] = 1;
-    Leer l;
-    l.p.x1 = {0, 0, 0};
-    l.p.eta = 0.05;
-    l.p.rMax = 1;
+    s[0].r[0] = 0.05, s[1].r[2] = 1;
+    hilfen::OhneDateien l;
+    l.phys.x1 = {0, 0, 0}, l.phys.eta = 0.05, l.phys.rMax = 1;
     Kraefte keine;
     Uhr uhr{l.io};
-    uhr.maxstp = 100;
-    uhr.outputfiles = 2;
-    uhr.outputtime = 10;
+    uhr.maxstp = 100, uhr.outputfiles = 2, uhr.outputtime = 10;
     uhr.h = uhr.naechstes = uhr.hmin = 3;
     hilfen::Mitschnitt out(std::cout);
-    uhr.odeint(s, l.p, keine);
+    uhr.odeint(s, l.phys, keine);
     EXPECT_EQ(out.text(), "step: 1 akk.t: 3\nStep size too small in odeint\n"
                           "step: 2 akk.t: 5\nStep size too small in odeint\n"
                           "step: 3 akk.t: 8\nStep size too small in odeint\n"
                           "step: 4 akk.t: 10\nremove_count :0\n");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(o.pfad()), {}), 2);
+    EXPECT_EQ(hilfen::anzahl(o.pfad()), 2);
     EXPECT_TRUE(hilfen::existiert(o.datei("S-5")) && hilfen::existiert(o.datei("S-10")));
 }
 

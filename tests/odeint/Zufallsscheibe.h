@@ -1,6 +1,5 @@
 #pragma once
-// A random gas disc around the default binary's primary, as snapshot text and
-// as a viscous gas disc under all four forces; a thread count for a scope.
+// A random gas disc as snapshot text and as a viscous disc under all four forces; thread counts.
 
 #include "init/InitOdeint.h"
 #include "kraefte/Artvisc.h"
@@ -20,10 +19,8 @@
 
 namespace hilfen {
 
-// 4000 particles on near-Kepler orbits between 0.08 and 0.3 from the primary
-// (x = 0.0649 in the default binary), heights of +-0.01, a tenth of them
-// beyond the grid box in z (|z| > 0.043) and a few beyond it in x; with
-// h = 0.02 a particle has some 15 partners.
+// 4000 particles on near-Kepler orbits 0.08 to 0.3 from the primary (x = 0.0649), heights +-0.01,
+// a tenth beyond the grid box in z (|z| > 0.043), a few in x; at h = 0.02 some 15 partners each.
 inline std::string zufallsscheibe(unsigned seed) {
     std::mt19937_64 zufall(seed);
     std::uniform_real_distribution<double> u(0, 1);
@@ -50,26 +47,18 @@ struct Zufallslauf : Aufbau {
     PhysviscAkkScheibe s{ia, phys};
     Kraefte k;
     Zufallslauf(const std::string& zusatz, unsigned seed) : Aufbau(zusatz, zufallsscheibe(seed)) {
-        k.add(new Externforce);
-        k.add(new Pressure);
-        k.add(new Artvisc);
-        k.add(new Physvisc);
+        for (RechteSeiteDG* kraft : std::initializer_list<RechteSeiteDG*>{
+                 new Externforce, new Pressure, new Artvisc, new Physvisc})
+            k.add(kraft);
     }
 };
 
-// OpenMP's thread count for the object's life, every loop spread over the
-// threads however little work it has.
+// OpenMP's thread count for the object's life, every loop spread however little work it has.
 struct Fadenzahl {
     const int vorher = omp_get_max_threads();
     const double schwelle = scheibe::schwelleNs;
-    explicit Fadenzahl(int n) {
-        omp_set_num_threads(n);
-        scheibe::schwelleNs = 0;
-    }
-    ~Fadenzahl() {
-        omp_set_num_threads(vorher);
-        scheibe::schwelleNs = schwelle;
-    }
+    explicit Fadenzahl(int n) { omp_set_num_threads(n), scheibe::schwelleNs = 0; }
+    ~Fadenzahl() { omp_set_num_threads(vorher), scheibe::schwelleNs = schwelle; }
 };
 
 } // namespace hilfen

@@ -1,8 +1,5 @@
 // The binary's derived quantities and the cubic spline kernel.
 
-#include "init/InitPhysSystem.h"
-#include "physik/Kernel1.h"
-#include "physik/PhysSystem.h"
 #include "tests/Hilfen.h"
 
 #include <gtest/gtest.h>
@@ -13,15 +10,9 @@ namespace {
 
 using V = std::valarray<double>;
 
-InitPhysSystem lese(const std::string& zusatz) { // the default binary plus zusatz
-    hilfen::TempOrdner o;
-    hilfen::schreibe(o.datei("p"), hilfen::parameter(zusatz));
-    return InitPhysSystem(o.datei("p").c_str(), o.datei("p").c_str());
-}
-
 TEST(PhysSystem, Doppelsterne) {
-    InitPhysSystem ini = lese("");
-    PhysSystem p(ini, nullptr);
+    hilfen::Aufbau a;
+    const PhysSystem& p = a.phys;
     // By hand for m1 = 0.685, m2 = 0.07, P = 5453.6 s: a^3 = G (m1 + m2) P^2 / (4 pi^2),
     // x1 = a m2 / (m1 + m2), x2 = x1 - a, rMax = 1.1 (x1 - xL1).
     EXPECT_NEAR(p.a, 0.6072639, 1e-7);
@@ -33,8 +24,8 @@ TEST(PhysSystem, Doppelsterne) {
 
 TEST(Kernel1, WerteUndGradient) {
     const double h = 0.5;
-    InitPhysSystem ini = lese("Smoothinglength 0.5");
-    Kernel1 k(ini);
+    hilfen::Aufbau a("Smoothinglength 0.5");
+    Kernel1& k = a.kernel;
     // (r, W, gradient factor): both pieces agree at h/2; nothing is cut off beyond h.
     for (V c : {V{0, 1, -2 / h}, V{h / 2, 0.25, -0.5 / h}, V{h, 0, 0}, V{2 * h, -2, -0.5 / h}}) {
         Vektor3 v = {1, 0, 0};

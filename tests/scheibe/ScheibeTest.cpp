@@ -1,9 +1,5 @@
-// The discs: the reader's header, snapshot names, a snapshot that cannot be
-// written whole; the cell-grid pair search of the SPH discs against brute
-// force, and what a pair or a disc does with a particle or disc not its own.
-// The reader's faults and ordered removal are checked by whole runs
-// (tests/simulation), the pair formulas bit for bit in
-// tests/odeint/FormelnTest.cpp.
+// The discs: header, snapshot names, unwritable snapshot; SPH pair search against brute force;
+// pairs and discs handed what is not theirs. (Reader faults: tests/simulation; formulas: odeint.)
 
 #include "scheibe/PhysviscAkkScheibe.h"
 #include "scheibe/ScheibenTemplates.h"
@@ -23,21 +19,15 @@
 
 namespace {
 
-PhysSystem physik() {
-    hilfen::Mitschnitt still(std::cerr); // no files: the reader only complains
-    InitPhysSystem ip("", "");
-    return PhysSystem(ip, nullptr);
-}
-
 TEST(Schnappschuss, KopfInBeliebigerReihenfolge) {
     // Time before count, an unknown entry; fewer particles wanted than lines.
     hilfen::TempOrdner o;
     hilfen::schreibe(o.datei("S-0"), "Zeit 12.5 Farbe blau Teilchenanzahl 2\nTeilchendaten:\n"
                                      "1 2 3 4 5 6\n7 8 9 10 11 12\n13 14 15 16 17 18\n");
     InitAkkScheibe init("", o.datei("S-0").c_str());
-    PhysSystem p = physik();
+    hilfen::OhneDateien l;
     hilfen::Mitschnitt m(std::cout);
-    AkkScheibe s(init, p);
+    AkkScheibe s(init, l.phys);
     EXPECT_EQ(s.t(), 12.5);
     ASSERT_EQ(s.tanz(), 2);
     EXPECT_EQ(s[1].v[2], 12);
@@ -52,19 +42,18 @@ TEST(Schnappschuss, AusgabeNamen) {
 
 TEST(Schnappschuss, VolleAusgabeWirdGemeldet) {
     // The snapshot for time 0 of disc "o/S-..." is o/S-0, here a link to a full device.
-    PhysSystem p = physik();
+    hilfen::OhneDateien l;
     hilfen::TempOrdner o;
     std::filesystem::create_symlink("/dev/full", o.datei("S-0"));
     AkkScheibe s;
     s.name = o.datei("S-x");
     s.teilchen.resize(2000); // more than the stream's buffer, so the write itself fails
     hilfen::Mitschnitt err(std::cerr);
-    s.output(p);
+    s.output(l.phys);
     EXPECT_EQ(err.text(), "error: unable to write output file!\n");
 }
 
-// The default binary with h = 0.02 (or the given smoothing length) and an
-// initially empty gas disc; the tests put their particles into it directly.
+// The default binary and an empty gas disc, which the tests fill directly.
 struct Gasscheibe : hilfen::Aufbau {
     explicit Gasscheibe(const std::string& zusatz = "") : Aufbau(zusatz) {}
     PhysviscAkkScheibe s{ia, phys};
@@ -74,17 +63,11 @@ struct Gasscheibe : hilfen::Aufbau {
     }
 };
 
-int zelle(double x, double min, double h, int n) {
-    double c = std::ceil((x - min) / h);
-    return c < 0 ? 0 : c > n - 1 ? n - 1 : static_cast<int>(c);
-}
-
 TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
     std::mt19937_64 zufall(7);
     std::uniform_real_distribution<double> gleich(0, 1);
-    // h = 1e-4 makes some 7e10 cells: the grid keeps only the occupied ones.
-    // Clusters at the primary, and over the box's lower and upper corners in
-    // x and y, where the border planes (never home cells) hold particles.
+    // Clusters at the primary and over the box's corners in x and y, where the border planes
+    // (never home cells) hold particles; h = 1e-4 makes some 7e10 cells, only the occupied kept.
     for (auto [n, glaettung, ecke] :
          {std::tuple{0, "", 0}, {1, "", 0}, {40, "", 0}, {600, "", 0}, {600, "", -1}, {600, "", 1},
           {600, "Smoothinglength 1e-4", 0}, {600, "Smoothinglength 1e-4", 1}}) {
@@ -95,26 +78,27 @@ TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
                                             : g.phys.x1[0],
                                  ecke < 0 ? g.s.min[1] : ecke > 0 ? g.s.max[1] : 0.0, 0.0};
         EXPECT_EQ(g.s.gitter->dicht, f == 1);
-        const int nx = g.s.gitter->nx, ny = g.s.gitter->ny, nz = g.s.gitter->nz;
+        const int nzell[3] = {g.s.gitter->nx, g.s.gitter->ny, g.s.gitter->nz};
+        auto zelle = [&](const Vektor3& r, int* z) {
+            for (int c = 0; c < 3; ++c)
+                z[c] = std::clamp(int(std::ceil((r[c] - g.s.min[c]) / h)), 0, nzell[c] - 1);
+        };
         g.s.teilchen.resize(n);
         for (int i = 0; i < n; ++i) {
             auto& r = g.s.teilchen[i].r;
-            // A small cluster (so pairs are many) that reaches past the box
-            // in z; every fifth particle sits exactly on a cell boundary in x,
-            // every seventh at distance exactly h from its predecessor.
+            // A small cluster (many pairs) reaching past the box in z; every fifth particle exactly
+            // on a cell boundary in x, every seventh exactly h from its predecessor.
             for (int k = 0; k < 3; ++k)
                 r[k] = mitte[k] + (gleich(zufall) - 0.5) * 0.12 * f;
             if (i % 5 == 0)
                 r[0] = g.s.min[0] + h * std::floor((r[0] - g.s.min[0]) / h);
             if (i % 7 == 6)
-                r = {g.s.teilchen[i - 1].r[0] + h, g.s.teilchen[i - 1].r[1],
-                     g.s.teilchen[i - 1].r[2]};
+                r = g.s.teilchen[i - 1].r, r[0] += h;
         }
         g.force_init();
 
-        // Two particles closer than h pair when the first of their cells in
-        // (i, j, k) order is a home cell; t1 is the one in the later cell, or
-        // the earlier index within one cell.
+        // Two particles closer than h pair when the first of their cells in (i, j, k) order is a
+        // home cell; t1 is the one in the later cell, or the earlier index within one cell.
         std::set<std::pair<int, int>> erwartet;
         for (int p = 0; p < n; ++p)
             for (int q = p + 1; q < n; ++q) {
@@ -122,42 +106,31 @@ TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
                 double s[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
                 if (!(s[0] * s[0] + s[1] * s[1] + s[2] * s[2] < g.s.h2))
                     continue;
-                int za[3] = {zelle(a[0], g.s.min[0], h, nx), zelle(a[1], g.s.min[1], h, ny),
-                             zelle(a[2], g.s.min[2], h, nz)};
-                int zb[3] = {zelle(b[0], g.s.min[0], h, nx), zelle(b[1], g.s.min[1], h, ny),
-                             zelle(b[2], g.s.min[2], h, nz)};
+                int za[3], zb[3];
+                zelle(a, za), zelle(b, zb);
                 bool bZuerst = std::lexicographical_compare(zb, zb + 3, za, za + 3);
                 const int* heim = bZuerst ? zb : za;
-                if (heim[0] < 1 || heim[0] > nx - 2 || heim[1] < 1 || heim[1] > ny - 2 ||
-                    heim[2] < 1 || heim[2] > nz - 2)
+                if (heim[0] < 1 || heim[0] > nzell[0] - 2 || heim[1] < 1 ||
+                    heim[1] > nzell[1] - 2 || heim[2] < 1 || heim[2] > nzell[2] - 2)
                     continue;
-                bool gleicheZelle = std::equal(za, za + 3, zb);
-                erwartet.insert(gleicheZelle ? std::make_pair(p, q)
-                                : bZuerst    ? std::make_pair(p, q)
-                                             : std::make_pair(q, p));
+                erwartet.insert(bZuerst || std::equal(za, za + 3, zb) ? std::pair(p, q)
+                                                                      : std::pair(q, p));
             }
 
-        // The records on request carry t1 and t2; the particles' own lists
-        // hold each pair once in each partner's list.
-        std::set<std::pair<int, int>> gefunden, ungerichtet, ausListen;
+        // The records on request carry t1, t2; each partner's own list holds the pair once.
+        std::set<std::pair<int, int>> gefunden, ausListen;
         PhysviscTeilchen* anfang = g.s.teilchen.data();
-        for (const PhysviscWW& w :
-             scheibe::_paare<PhysviscWW>(g.s, g.s.teilchen, *g.s.gitter, g.phys)) {
-            const int a = int(w.pt1 - anfang), b = int(w.pt2 - anfang);
-            EXPECT_TRUE(gefunden.insert({a, b}).second);
-            ungerichtet.insert({std::min(a, b), std::max(a, b)});
-        }
-        std::size_t eintraege = 0;
+        for (const PhysviscWW& w : scheibe::_paare<PhysviscWW>(g.s, g.s.teilchen, *g.s.gitter, g.phys))
+            EXPECT_TRUE(gefunden.insert({int(w.pt1 - anfang), int(w.pt2 - anfang)}).second);
         for (int i = 0; i < n; ++i) {
             const PaarSicht<PhysviscWW>& v = g.s.teilchen[std::size_t(i)].pvww;
-            eintraege += v.size();
             for (std::size_t k = 0; k < v.size(); ++k) {
                 const int j = int(g.s.gitter->index[v.partner(k)]);
-                ausListen.insert({std::min(i, j), std::max(i, j)});
+                EXPECT_TRUE(ausListen.insert({i, j}).second);
+                EXPECT_EQ(gefunden.count({i, j}) + gefunden.count({j, i}), 1u);
             }
         }
-        EXPECT_EQ(eintraege, 2 * gefunden.size());
-        EXPECT_EQ(ausListen, ungerichtet);
+        EXPECT_EQ(ausListen.size(), 2 * gefunden.size());
         EXPECT_EQ(erwartet, gefunden) << n << " particles, corner " << ecke;
         if (n == 600 && ecke == 0) {
             EXPECT_GT(gefunden.size(), 1000u); // the test would be vacuous otherwise
@@ -174,8 +147,7 @@ TEST(SphFremd, PaarUndScheibeWeisenFremdesAb) {
     std::vector<PhysviscWW> ww = scheibe::_paare<PhysviscWW>(g.s, g.s.teilchen, *g.s.gitter, g.phys);
     ASSERT_EQ(ww.size(), 1u);
     PhysviscWW& w = ww.front();
-    // Each partner sees the gradient from its side; one that is neither gets
-    // zeros and a message.
+    // Each partner sees the gradient from its side; one that is neither gets zeros and a message.
     EXPECT_EQ(w._dW_ohne_fak(w.pt1)[0], -w._dW_ohne_fak(w.pt2)[0]);
     PhysviscTeilchen fremd;
     hilfen::Mitschnitt aus(std::cout);

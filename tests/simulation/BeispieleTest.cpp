@@ -1,10 +1,7 @@
-// Reference runs: each folder under tests/data/beispiele and
-// tests/data/regression holds the input files of a run and, byte for byte,
-// what the program must print, return and write. The regression folders were
-// recorded before the force evaluation was optimised and threaded; they
-// guard that no optimisation changes a result. Every run is made on 1, 2 and
-// 3 threads: the bytes may not depend on the thread count (3 threads on this
-// project's 2-core machines also cut the slabs unevenly).
+// Reference runs: each folder under tests/data/{beispiele,regression} holds a run's inputs and,
+// byte for byte, what the program must print, return and write; the regression folders predate the
+// optimised, threaded forces, so no optimisation may change a result. Each run on 1, 2 and 3
+// threads: the bytes may not depend on the thread count (3 on 2 cores also cuts slabs unevenly).
 
 #include "tests/Hilfen.h"
 

@@ -1,14 +1,11 @@
-// The ballistic stream: gas released just behind L1 with a small velocity,
-// under the stars' gravity and the frame's Coriolis and centrifugal terms
-// alone (the external force), integrated with the Cash-Karp stepper, against
-// the published stream of Lubow & Shu.
+// The ballistic stream: gas released just behind L1 with a small velocity, under the stars' gravity
+// and the frame's Coriolis and centrifugal terms alone (the external force), integrated with the
+// Cash-Karp stepper, against the published stream of Lubow & Shu.
 
 #include "init/InitOdeint.h"
-#include "init/InitPhysSystem.h"
 #include "kraefte/Externforce.h"
 #include "kraefte/Kraefte.h"
 #include "odeint/RungeKutta.h"
-#include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
 #include "strom/InitStrom.h"
 #include "strom/Stromquelle.h"
@@ -35,22 +32,18 @@ struct Vorbeiflug {
 // has passed the primary. j is the specific angular momentum about the primary in
 // the non-rotating frame: d x (v + omega z x d), d the offset from the primary.
 Vorbeiflug fliege(double q) {
-    hilfen::TempOrdner o;
     std::ostringstream p;
     p.precision(17);
     p << "Sekundaersternmasse " << 0.685 * q << " Genauigkeit 1e-13 Anfangsschrittweite 1\n";
-    hilfen::schreibe(o.datei("p"), hilfen::parameter(p.str()));
-    InitPhysSystem ip(o.datei("p").c_str(), o.datei("p").c_str());
-    InitOdeint io(o.datei("p").c_str());
-    PhysSystem phys(ip, nullptr);
+    hilfen::Aufbau o(p.str());
+    InitOdeint io(o.param.c_str());
+    PhysSystem& phys = o.phys;
     const double a = phys.a, omega = phys.omega, x1 = phys.x1[0], b1 = x1 - phys.xL1;
-    std::ostringstream s;
-    s.precision(17);
-    s << "Stromrate 1e-16 Stromgeschwindigkeit " << 1e-3 * a * omega << " Stromstreuung 0"
+    p.str("");
+    p << "Stromrate 1e-16 Stromgeschwindigkeit " << 1e-3 * a * omega << " Stromstreuung 0"
       << " Stromabstand " << 1e-4 * a << " Strombreite 0 Stromsaat 1\n";
-    hilfen::schreibe(o.datei("s"), s.str());
+    hilfen::schreibe(o.datei("s"), p.str());
     InitStrom init(o.datei("s").c_str());
-
     AkkScheibe scheibe;
     Stromquelle quelle(scheibe, phys, init);
     Vektor3 r, v;
@@ -89,23 +82,20 @@ Vorbeiflug fliege(double q) {
 TEST(StromValidierung, BallistischerStromNachLubowUndShu) {
     for (double q : {0.1, 0.2, 0.3, 0.5, 1.0}) {
         const Vorbeiflug f = fliege(q);
-        // Closest approach of the stream, Lubow & Shu (1975, ApJ 198, 383) as fitted by
-        // Ulrich & Burger (1976, ApJ 206, 509) for 0.05 < q < 1: r_min / a = 0.0488 q^-0.464.
-        // Tolerance 5 %.
+        // Closest approach of the stream, Lubow & Shu (1975, ApJ 198, 383) as fitted by Ulrich &
+        // Burger (1976, ApJ 206, 509) for 0.05 < q < 1: r_min / a = 0.0488 q^-0.464. Tolerance 5 %.
         EXPECT_NEAR(f.rmin / (0.0488 * std::pow(q, -0.464)), 1, 0.05) << q;
-        // Circularisation radius of the angular momentum the gas takes out of L1,
-        // j = omega b1^2: r_circ / a = (1 + q) (b1 / a)^4, with b1 / a = 0.500 - 0.227 log q
-        // (Plavec & Kratochvil 1964), r_circ / a = (1 + q) (0.500 - 0.227 log q)^4 (Hessman &
-        // Hopp 1990, A&A 228, 387; Frank, King & Raine, Accretion Power in Astrophysics).
-        // Tolerance 3 %; at q = 0.1 the b1 fit itself is 1.3 % high (0.7270 against the root
-        // 0.7175 of the force balance on the axis), which the fourth power makes 5.4 %:
-        // tolerance 6 % there.
+        // Circularisation radius of the angular momentum the gas takes out of L1, j = omega b1^2:
+        // r_circ / a = (1 + q) (b1 / a)^4, with b1 / a = 0.500 - 0.227 log q (Plavec & Kratochvil
+        // 1964), r_circ / a = (1 + q) (0.500 - 0.227 log q)^4 (Hessman & Hopp 1990, A&A 228, 387;
+        // Frank, King & Raine, Accretion Power in Astrophysics). Tolerance 3 %; at q = 0.1 the b1
+        // fit itself is 1.3 % high (0.7270 against the root 0.7175 of the force balance on the
+        // axis), which the fourth power makes 5.4 %: tolerance 6 % there.
         const double hh = (1 + q) * std::pow(0.500 - 0.227 * std::log10(q), 4);
         EXPECT_NEAR(f.rKreisL1 / hh, 1, q < 0.15 ? 0.06 : 0.03) << q;
-        // On its way in the secondary's pull takes angular momentum from the gas: at the
-        // closest approach j gives the disc radius of Lubow & Shu, r_d / a = 0.0859 q^-0.426
-        // (fit of Ulrich & Burger 1976 for 0.05 < q < 1), a quarter below r_circ.
-        // Tolerance 3 %.
+        // On its way in the secondary's pull takes angular momentum from the gas: at the closest
+        // approach j gives the disc radius of Lubow & Shu, r_d / a = 0.0859 q^-0.426 (fit of Ulrich
+        // & Burger 1976 for 0.05 < q < 1), a quarter below r_circ. Tolerance 3 %.
         EXPECT_NEAR(f.rKreisMin / (0.0859 * std::pow(q, -0.426)), 1, 0.03) << q;
     }
 }

@@ -1,6 +1,5 @@
-// The tools on the OY Car binary (0.685 and 0.07 solar masses, 5453.6 s): the disc generator, the
-// Roche lobe of the pictures, the diagnostics by hand and in order of time, the tables for splash
-// (the SPH density, splash's kernel convention, the files) and the frames of a film.
+// The tools on the OY Car binary (0.685 and 0.07 solar masses, 5453.6 s): generator, Roche lobe,
+// diagnostics, the tables for splash (SPH density, splash's kernel, files) and film frames.
 
 #include "tests/Hilfen.h"
 #include "tools/Scheibenbild.h"
@@ -128,8 +127,7 @@ TEST(Scheibendiagnose, ZweiTeilchenVonHand) {
         EXPECT_NEAR(soll[i], ist[i], 1e-13 * std::fabs(soll[i])) << i;
 }
 
-// Four particles on the x axis, inside the grid box around the primary
-// (x1 = 0.0563, the box reaches 0.44 from it).
+// Four particles on the x axis, inside the grid box (0.44 around the primary at x1 = 0.0563).
 const std::string vier = "Zeit 42\nTeilchenanzahl 4\nTeilchendaten:\n0.15 0 0 0 1e-3 0\n"
                          "0.16 0 0 0 2e-3 0\n0.135 0 0 0 3e-3 0\n0.25 0 0 0 4e-3 0\n";
 
@@ -141,19 +139,11 @@ TEST(Scheibensplash, DichteVonHand) {
     hilfen::schreibe(u.datei("s-42"), vier);
     splash::Tabelle t;
     ASSERT_TRUE(splash::lies(u.datei("s-42"), *u.phys, t, u.err));
-    ASSERT_EQ(4u, t.zeilen.size());
-    EXPECT_EQ(0, t.weggelassen);
-    EXPECT_EQ(42, t.zeit);
+    ASSERT_EQ(4u, t.zeilen.size()); // the other columns: the whole table in DateienUndMeldungen
     const double m = 1.7281541e-16, fak = 8 / (3.141592653 * 0.02 * 0.02 * 0.02);
-    const double x[] = {0.15, 0.16, 0.135, 0.25}, w[] = {1 + 0.25 + 0.03125, 1.25, 1.03125, 1};
-    for (int i = 0; i < 4; ++i) {
-        const splash::Zeile& z = t.zeilen[i];
-        EXPECT_EQ(x[i], z.r[0]) << i; // file order kept
-        EXPECT_EQ(1e-3 * (i + 1), z.v[1]) << i;
-        EXPECT_EQ(0.01, z.h);
-        EXPECT_EQ(m, z.m);
-        EXPECT_NEAR(m * fak * w[i], z.rho, 1e-12 * m * fak) << i;
-    }
+    const double w[] = {1 + 0.25 + 0.03125, 1.25, 1.03125, 1};
+    for (int i = 0; i < 4; ++i)
+        EXPECT_NEAR(m * fak * w[i], t.zeilen[i].rho, 1e-12 * m * fak) << i;
     // splash's cubic spline, W = 1/(pi h^3) (1 - 3/2 s^2 + 3/4 s^3) for s < 1,
     // (2 - s)^3 / 4 for 1 <= s < 2, s = r/h, with the table's h gives the
     // same density: particle 0 sees itself, 0.16 (s = 1) and 0.135 (s = 1.5).
@@ -217,15 +207,13 @@ TEST(Werkzeuge, ZeitfolgeUndFilm) {
     const std::string teilchen = "\nTeilchendaten:\n0.2 0 0 0 1e-3 0\n0.3 0 0 0 1e-3 0\n";
     hilfen::schreibe(u.datei("a-9"), "Teilchenanzahl 1 Zeit 9" + teilchen);
     hilfen::schreibe(u.datei("a-3"), "Teilchenanzahl 2 Zeit 3" + teilchen);
-    // Diagnostics: rows (time, orbits, N, lost, ...) in order of time, lost
-    // counted from the earliest. A picture of an unreadable file: status 1.
+    // Diagnostics: rows (time, orbits, N, lost from the earliest, ...) in order of time.
     ASSERT_EQ(0, diagnose::programm({"-p", u.p, u.datei("a-9"), u.datei("a-3")}, u.out, u.err));
     const std::string t = u.out.str();
     EXPECT_LT(t.find("\n3\t0.0005500953499\t2\t0\t"), t.find("\n9\t0.00165028605\t1\t1\t") + 1);
     EXPECT_EQ(1, bild::programm({"-p", u.p, u.datei("fehlt-1")}, u.out, u.err));
-    // Frames are numbered in order of time and drawn exactly as the pictures
-    // of the same run named after the snapshots; odd sizes are made even. One
-    // view of 101 pixels: 241 x 205 + 12 per extra legend line before rounding up.
+    // Frames are numbered in order of time, drawn as the pictures named after the snapshots; odd
+    // sizes made even. One view of 101 pixels: 241 x 205 + 12 per extra legend line, rounded up.
     const Args lauf = {"-p",        u.p,    "--pixel",      "101",
                        "--ansicht", "oben", u.datei("a-9"), u.datei("a-3")};
     Args film = lauf, namen = lauf;

@@ -1,13 +1,8 @@
-// Physics checks against independent results: kernel normalisation, the
-// inner Lagrange point, and orbits integrated with the Cash-Karp stepper.
+// Physics against independent results: kernel normalisation, L1, orbits under Cash-Karp steps.
 
-#include "init/InitOdeint.h"
-#include "init/InitPhysSystem.h"
 #include "kraefte/Externforce.h"
 #include "kraefte/Kraefte.h"
 #include "odeint/RungeKutta.h"
-#include "physik/Kernel1.h"
-#include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
 #include "tests/Hilfen.h"
 
@@ -23,17 +18,9 @@ const double eps = 1e-12; // Genauigkeit: absolute error bound of each velocity 
 const auto betrag = [](const V& v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); };
 const auto minus = [](const V& a, const V& b) { return V{a[0] - b[0], a[1] - b[1], a[2] - b[2]}; };
 
-const hilfen::TempOrdner ordner;
-
-InitPhysSystem physik(const std::string& zusatz) { // the default binary plus zusatz
-    hilfen::schreibe(ordner.datei("p"), hilfen::parameter(zusatz));
-    return InitPhysSystem(ordner.datei("p").c_str(), ordner.datei("p").c_str());
-}
-
 TEST(Validierung, KernIntegriertZuEins) {
     // The smoothing kernel is normalised: its integral over space is 1.
-    InitPhysSystem ini = physik("Smoothinglength 1");
-    Kernel1 k(ini);
+    hilfen::Aufbau a("Smoothinglength 1");
     // Midpoint rule on cubic cells of edge h/100 in one octant (W is radial), inside r < h.
     V v{};
     double summe = 0;
@@ -43,7 +30,7 @@ TEST(Validierung, KernIntegriertZuEins) {
                 const double x = (i + 0.5) / 100, y = (j + 0.5) / 100, z = (l + 0.5) / 100;
                 const double r = std::sqrt(x * x + y * y + z * z);
                 if (r < 1)
-                    summe += 8 * k.fak * k.W_ohne_fak(r, v) * 1e-6;
+                    summe += 8 * a.kernel.fak * a.kernel.W_ohne_fak(r, v) * 1e-6;
             }
     EXPECT_NEAR(summe, 1.0, 1e-3);
 }
@@ -55,9 +42,8 @@ TEST(Validierung, L1AusDemKraeftegleichgewicht) {
         for (int i = 0; i < 50; ++i)
             x -= (1 / (x * x) - q / ((1 - x) * (1 - x)) - (1 + q) * x + q) /
                  (-2 / (x * x * x) - 2 * q / std::pow(1 - x, 3) - (1 + q));
-        InitPhysSystem ini = physik("Primaersternmasse 1 Sekundaersternmasse " + std::to_string(q));
-        PhysSystem p(ini, nullptr);
-        const double xs = (p.x1[0] - p.xL1) / p.a;
+        hilfen::Aufbau a("Primaersternmasse 1 Sekundaersternmasse " + std::to_string(q));
+        const double xs = (a.phys.x1[0] - a.phys.xL1) / a.phys.a;
         EXPECT_NEAR(xs, x, 1e-9) << q;
         EXPECT_NEAR(xs, 1 - std::pow(q, 0.33071) / (0.51233 * std::pow(q, 0.49128) + 1.487864),
                     6e-5);
@@ -75,9 +61,9 @@ const auto laufe = [](const std::vector<std::pair<V, V>>& start, const std::stri
         std::tie(s.teilchen[i].r, s.teilchen[i].v) = start[i];
         g0.push_back(groesse(s.teilchen[i]));
     }
-    InitPhysSystem ini = physik(zusatz + " Anfangsschrittweite 1 Genauigkeit 1e-12");
-    InitOdeint io(ordner.datei("p").c_str());
-    PhysSystem phys(ini, nullptr);
+    hilfen::Aufbau a(zusatz + " Anfangsschrittweite 1 Genauigkeit 1e-12");
+    InitOdeint io(a.param.c_str());
+    PhysSystem& phys = a.phys;
     Kraefte kraefte;
     kraefte.add(new Externforce);
     RungeKutta rk(s, io);
@@ -96,8 +82,8 @@ const auto laufe = [](const std::vector<std::pair<V, V>>& start, const std::stri
 };
 
 TEST(Validierung, KreisbahnUmEinzelnenStern) {
-    // A circular Kepler orbit about a lone star keeps its radius, seen from the rotating frame.
-    // Radius R about the lone primary at the origin; rotating-frame speed vk - Omega R.
+    // A circular Kepler orbit of radius R about a lone star at the origin keeps its radius, seen
+    // from the rotating frame (speed vk - Omega R there).
     const double R = 0.2, vk = std::sqrt(G * 0.685 / R), umlauf = 2 * pi / (vk / R - omega);
     // Per step |dv| <= sqrt(3) eps swings the radius by up to 4 R |dv| / vk.
     laufe(
@@ -107,8 +93,8 @@ TEST(Validierung, KreisbahnUmEinzelnenStern) {
 }
 
 TEST(Validierung, JacobiEnergieBleibtErhalten) {
-    // The Jacobi integral is conserved in the frame co-rotating with a circular binary.
-    // Stars of the default binary from Kepler's law, primary on +x.
+    // The Jacobi integral is conserved in the frame co-rotating with the default binary (primary
+    // on +x, separation from Kepler's law).
     const double m1 = 0.685, m2 = 0.07, a = std::cbrt(G * (m1 + m2) / (omega * omega));
     const double x1 = a * m2 / (m1 + m2), v1 = std::sqrt(G * m1);
     auto energie = [&](const Teilchen& t) {

@@ -1,9 +1,8 @@
-// SPH estimates on a uniform cubic lattice against their continuum values:
-// density, shear tensor of a linear shear flow, viscous acceleration of a
-// parabolic flow. On a lattice of spacing d = h/3 the sums over this kernel
-// miss their integrals: sum d^3 W by +0.18 %, sum d^3 s_y^2 (-W'/s) (which
-// should be int y^2 (-W'/r) = 1) by +1.0 %; so sigma comes out 1.010/1.0018 =
-// 0.8 % high and its divergence 1.7 % high. Tolerances are 2 to 3 times that.
+// SPH estimates on a uniform cubic lattice against their continuum values: density, shear tensor of
+// a linear shear flow, viscous acceleration of a parabolic flow. On a lattice of spacing d = h/3
+// the sums over this kernel miss their integrals: sum d^3 W by +0.18 %, sum d^3 s_y^2 (-W'/s)
+// (which should be int y^2 (-W'/r) = 1) by +1.0 %; so sigma comes out 1.010/1.0018 = 0.8 % high and
+// its divergence 1.7 % high. Tolerances are 2 to 3 times that.
 
 #include "scheibe/PhysviscAkkScheibe.h"
 #include "tests/Hilfen.h"
@@ -17,9 +16,8 @@
 
 namespace {
 
-// 15^3 particles of spacing d = h/3 (92 partners within h) centred on the primary, with
-// velocity (vx(y), 0, 0) and forces evaluated. h = 0.01 so that the lattice, 4.7 h thick,
-// fits the grid's home cells, which span only -0.044 < z <= 0.036 around the disc plane.
+// 15^3 particles of spacing d = h/3 (92 partners) on the primary, velocity (vx(y), 0, 0), forces
+// evaluated; h = 0.01 fits the lattice (4.7 h) into the home cells' -0.044 < z <= 0.036.
 struct Gitter : hilfen::Aufbau {
     static constexpr int n = 15, mitte = 7;
     PhysviscAkkScheibe s{ia, phys};
@@ -38,18 +36,15 @@ struct Gitter : hilfen::Aufbau {
         s.force_init(phys);
         s.add_physvisc(phys);
     }
-    // Partners differ by at most 2 spacings per axis (3 d = h is no longer a partner), so a
-    // particle `rand` spacings from every face has that many rings of complete
-    // neighbourhoods: 2 for the density, 4 for sigma (uses the partners' densities),
-    // 6 for the acceleration (uses the partners' sigma). Returns how many it checked.
+    // Partners differ by at most 2 spacings per axis (3 d = h is none), so a particle `rand`
+    // spacings from every face has complete neighbourhoods: 2 for the density, 4 for sigma (uses
+    // the partners' rho), 6 for the acceleration (the partners' sigma). Returns how many checked.
     template <class F> int innen(int rand, F pruefe) {
         int anzahl = 0;
         for (int i = 0; i < n * n * n; ++i)
             if (std::max({std::abs(i / (n * n) - mitte), std::abs(i / n % n - mitte),
-                          std::abs(i % n - mitte)}) <= mitte - rand) {
-                pruefe(s.teilchen[i]);
-                ++anzahl;
-            }
+                          std::abs(i % n - mitte)}) <= mitte - rand)
+                pruefe(s.teilchen[i]), ++anzahl;
         return anzahl;
     }
 };

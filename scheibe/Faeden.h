@@ -34,8 +34,8 @@ constexpr double suche = 15, gas = 11, viskos = 8, teilchen = 10, extern_ = 60;
 // Starting them and joining them costs some microseconds on an idle
 // machine, but on a machine whose cores are busy with other work a thread
 // may wait a time slice (milliseconds) for its core, and the loop waits for
-// its slowest thread: only loops of several milliseconds gain.
-inline double schwelleNs = 5e6; // tests set 0 to run every loop on the threads
+// its slowest thread: only loops of milliseconds gain.
+inline double schwelleNs = 2.5e6; // tests set 0 to run every loop on the threads
 inline bool lohnt(double ns) {
     return ns >= schwelleNs && anzahlFaeden() > 1;
 }

@@ -87,37 +87,44 @@ public:
     // earlier and before its later particles); then its 13 forward
     // neighbours in the order of the half shell. So x's partners come in
     // pair-list order, found from x's side alone.
+    //
+    // Slots are laid out in (i, j, k) order, so the cells k0 .. k1 of one
+    // column (i, j) hold one run of slots: the 27 cells come as 10 runs.
     template <class F> void partnerBereiche(std::uint32_t x, F f) const {
         const auto [i, j, k] = ijk[x];
-        auto heim = [&](int a, int b, int c) {
-            return a >= 1 && a <= nx - 2 && b >= 1 && b <= ny - 2 && c >= 1 && c <= nz - 2;
-        };
-        auto zelle = [&](int a, int b, int c) {
-            const auto [pa, pe] = bereich(a, b, c);
+        auto innen = [](int a, int n) { return a >= 1 && a <= n - 2; };
+        // The cells k0 .. k1 of column (a, b), if any.
+        auto saeule = [&](int a, int b, int k0, int k1) {
+            if (k0 > k1)
+                return;
+            const auto [pa, pe] = bereich(a, b, k0, k1);
             if (pa != pe)
                 f(pa, pe);
         };
-        for (int a = -1; a <= 0; ++a)
-            for (int b = -1; b <= 1; ++b)
-                for (int c = -1; c <= 1; ++c) {
-                    if (a == 0 && (b > 0 || (b == 0 && c >= 0)))
-                        continue;
-                    if (heim(i + a, j + b, k + c))
-                        zelle(i + a, j + b, k + c);
-                }
-        if (!heim(i, j, k))
+        // Cells k-1 .. k+1 of a column of home cells: those within the home range.
+        const int h0 = std::max(k - 1, 1), h1 = std::min(k + 1, nz - 2);
+        for (int a = -1, b = -1; b <= 1; ++b)
+            if (innen(i + a, nx) && innen(j + b, ny))
+                saeule(i + a, j + b, h0, h1);
+        if (innen(i, nx) && innen(j - 1, ny))
+            saeule(i, j - 1, h0, h1);
+        const bool heim = innen(i, nx) && innen(j, ny) && innen(k, nz);
+        if (!heim) {
+            // Only the cell below can be a home cell that reaches x.
+            if (innen(i, nx) && innen(j, ny) && innen(k - 1, nz))
+                saeule(i, j, k - 1, k - 1);
             return;
-        const auto [pa, pe] = bereich(i, j, k);
-        if (pa != x)
-            f(pa, x);
-        if (x + 1 != pe)
-            f(x + 1, pe);
-        zelle(i, j, k + 1);
-        for (int c = -1; c <= 1; ++c)
-            zelle(i, j + 1, k + c);
+        }
+        // The cell below (if a home cell), x's own cell without x, the cell above.
+        const std::uint32_t unten = bereich(i, j, h0, k).first;
+        const std::uint32_t oben = bereich(i, j, k, k + 1).second;
+        if (unten != x)
+            f(unten, x);
+        if (x + 1 != oben)
+            f(x + 1, oben);
+        saeule(i, j + 1, k - 1, k + 1);
         for (int b = -1; b <= 1; ++b)
-            for (int c = -1; c <= 1; ++c)
-                zelle(i + 1, j + b, k + c);
+            saeule(i + 1, j + b, k - 1, k + 1);
     }
 
     // Calls paar(p, q, s, s2) for every two slots closer than sqrt(h2)
@@ -182,6 +189,19 @@ private:
     std::vector<std::pair<Index, std::uint32_t>> nachZelle; // sparse: (cell, particle)
 
     // Slots of cell (i, j, k), empty when it holds no particle.
+    // Slots of the cells (i, j, k0) .. (i, j, k1), consecutive in (i, j, k)
+    // order and so in slot order; empty when they hold no particle.
+    std::pair<std::uint32_t, std::uint32_t> bereich(int i, int j, int k0, int k1) const {
+        if (dicht)
+            return {anfang[zelle(i, j, k0)], anfang[zelle(i, j, k1) + 1]};
+        auto ab = [&](const Index& g) {
+            auto it = std::lower_bound(belegt.begin(), belegt.end(), g,
+                                       [](const Zelle& c, const Index& g) { return c.ijk < g; });
+            return it == belegt.end() ? std::uint32_t(x.size()) : it->anfang;
+        };
+        return {ab({i, j, k0}), ab({i, j, k1 + 1})};
+    }
+
     std::pair<std::uint32_t, std::uint32_t> bereich(int i, int j, int k) const {
         if (dicht) {
             const std::size_t c = zelle(i, j, k);

@@ -168,24 +168,24 @@ void _gaspass(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>& ww, un
 }
 
 // The whole passes: the terms, then each particle's acceleration added.
-template <class T, class W>
-void _add_press(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>* ww, PhysSystem& phys) {
-    _gaspass(teilchen, g, *ww, druck, phys);
+template <class T> void _addiere(std::vector<T>& teilchen, Vektor3 PressArtviscTeilchen::*feld) {
     fuerAlle(teilchen.size(), 1, [&](std::size_t i) {
         T& t = teilchen[i];
         for (int c = 0; c < 3; ++c)
-            t.a[c] = t.a[c] + t.aPress[c];
+            t.a[c] = t.a[c] + (t.*feld)[c];
     });
+}
+
+template <class T, class W>
+void _add_press(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>* ww, PhysSystem& phys) {
+    _gaspass(teilchen, g, *ww, druck, phys);
+    _addiere(teilchen, &PressArtviscTeilchen::aPress);
 }
 
 template <class T, class W>
 void _add_artvisc(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>* ww, PhysSystem& phys) {
     _gaspass(teilchen, g, *ww, kuenstlich, phys);
-    fuerAlle(teilchen.size(), 1, [&](std::size_t i) {
-        T& t = teilchen[i];
-        for (int c = 0; c < 3; ++c)
-            t.a[c] = t.a[c] + t.aArtvisc[c];
-    });
+    _addiere(teilchen, &PressArtviscTeilchen::aArtvisc);
 }
 
 } // namespace scheibe

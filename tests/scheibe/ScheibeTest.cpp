@@ -144,6 +144,9 @@ TEST(SphFremd, PaarUndScheibeWeisenFremdesAb) {
     g.s.teilchen[1].r[0] = 0.01; // both near the origin, 0.01 = h/2 apart
     g.force_init();
     ASSERT_EQ(g.s.ww->paare(), 1u);
+    // Exactly h/2 apart: the inner piece of the kernel, W = 1/4, for both.
+    for (const PhysviscTeilchen& t : g.s.teilchen)
+        EXPECT_EQ(t.rho, g.phys.mTeilchen * g.kernel.fak * 1.25);
     std::vector<PhysviscWW> ww = scheibe::_paare<PhysviscWW>(g.s, g.s.teilchen, *g.s.gitter, g.phys);
     ASSERT_EQ(ww.size(), 1u);
     PhysviscWW& w = ww.front();

@@ -55,7 +55,7 @@ public:
     };
     // What a particle's partners read of it, by slot.
     struct Gas {
-        double rho = 0, p = 0, cs = 0;
+        double rho = 0, p = 0, cs = 0, temperatur = 0;
     };
 
     std::vector<Block> bloecke;
@@ -64,6 +64,10 @@ public:
     const double *vx = nullptr, *vy = nullptr, *vz = nullptr;
     std::vector<Gas> gas;       // by slot: density, pressure, sound speed
     std::vector<Tensor6> sigma; // by slot: shear tensor (viscous discs)
+    // By slot, the particles' accelerations of the last evaluation: the
+    // passes write them in cell order, and the particle records (in the
+    // order of the particle vector) take them over in their own order.
+    std::vector<Vektor3> aPress, aArtvisc, aPhysvisc;
     std::size_t eintraege = 0;  // entries of all lists: twice the pairs
     // Passes of the gas discs already done since the search, and the terms
     // asked for so far (the first pass of an evaluation forms them all).

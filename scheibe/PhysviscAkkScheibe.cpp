@@ -51,6 +51,15 @@ void PhysviscAkkScheibe::add_artvisc(PhysSystem& phys) {
 // acceleration from its pairs, the pair vectors formed on the way.
 void PhysviscAkkScheibe::add_physvisc(PhysSystem& phys) {
     scheibe::_gaspass(teilchen, *gitter, *ww, scheibe::scherung, phys);
-    scheibe::_proTeilchen(teilchen, *gitter, *ww, scheibe::kosten::viskos,
-                          [&](PhysviscTeilchen& t, std::uint32_t) { t.add_physvisc(phys); });
+    const std::size_t n = ww->gas.size();
+    mitVorrat(ww->aPhysvisc, n);
+    ww->aPhysvisc.resize(n);
+    scheibe::_proSlot(*ww, n, scheibe::kosten::viskos, [&](std::uint32_t x) {
+        ww->aPhysvisc[x] = PhysviscTeilchen::beschleunigung(*ww, x, phys);
+    });
+    scheibe::_proTeilchen(teilchen, *gitter, [&](PhysviscTeilchen& t, std::uint32_t x) {
+        t.aPhysvisc = ww->aPhysvisc[x];
+        for (int c = 0; c < 3; ++c)
+            t.a[c] = t.a[c] + t.aPhysvisc[c];
+    });
 }

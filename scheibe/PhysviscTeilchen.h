@@ -19,4 +19,6 @@ public:
     void sigma(PhysSystem& phys);
     // A = m nu f_grad sum over the pairs of the pair's viscous vector; added to a.
     void add_physvisc(PhysSystem& phys);
+    // A for the particle in slot x of a pair list whose shear tensors are formed.
+    static Vektor3 beschleunigung(const Partnerliste& ww, std::uint32_t x, const PhysSystem& phys);
 };

@@ -32,11 +32,20 @@ inline const Kernel1& kernel1(const PhysSystem& phys) {
 // Density rho = m fak S with S = 1 + sum of W, and the equation of state of
 // an ideal gas with gamma = 5/3: P = 0.0005 rho^(5/3), T = 14565369377.767422
 // rho^(2/3), and the isothermal sound speed c with c^2 = 3.4328e-14 T = P/rho.
+inline Partnerliste::Gas _gaszustand(double s, const PhysSystem& phys) {
+    Partnerliste::Gas z;
+    z.rho = phys.mTeilchen * kernel1(phys).fak * s;
+    z.p = 0.0005 * std::pow(z.rho, 1.6666666666666667);
+    z.temperatur = 14565369377.767422 * std::pow(z.rho, 0.6666666666666667);
+    z.cs = std::sqrt(3.4328e-14 * z.temperatur);
+    return z;
+}
 template <class T> void _zustand(T& t, double s, PhysSystem& phys) {
-    t.rho = phys.mTeilchen * kernel1(phys).fak * s;
-    t.p = 0.0005 * std::pow(t.rho, 1.6666666666666667);
-    t.temperatur = 14565369377.767422 * std::pow(t.rho, 0.6666666666666667);
-    t.cs = std::sqrt(3.4328e-14 * t.temperatur);
+    const Partnerliste::Gas z = _gaszustand(s, phys);
+    t.rho = z.rho;
+    t.p = z.p;
+    t.temperatur = z.temperatur;
+    t.cs = z.cs;
 }
 
 // The pair records' terms, from the record and its two partners.
@@ -70,9 +79,8 @@ enum Terme : unsigned { druck = 1, kuenstlich = 2, scherung = 4 };
 // acceleration A = -m f_grad sum press g, the artificial viscosity
 // B = -m f_grad sum Pi g, the shear tensor sigma = f_grad m sum
 // (pair tensor / rho_partner), each as `terme` asks; g is the gradient seen
-// from the particle. Stored in the particle; added to `a` by the forces.
-template <class T>
-void _gasterme(T& t, Partnerliste& ww, std::uint32_t x, unsigned terme, const PhysSystem& phys) {
+// from the particle. Stored by slot; the forces hand them to the particles.
+inline void _gasterme(Partnerliste& ww, std::uint32_t x, unsigned terme, const PhysSystem& phys) {
     const Partnerliste::Block& b = ww.block(x);
     const Partnerliste::Gas* gas = ww.gas.data();
     const Partnerliste::Gas ich = gas[x];
@@ -117,35 +125,32 @@ void _gasterme(T& t, Partnerliste& ww, std::uint32_t x, unsigned terme, const Ph
     const double faktor = phys.mTeilchen * kernel1(phys).dfak;
     if (mitDruck)
         for (int c = 0; c < 3; ++c)
-            t.aPress[c] = A[c] * faktor;
+            ww.aPress[x][c] = A[c] * faktor;
     if (mitPi)
         for (int c = 0; c < 3; ++c)
-            t.aArtvisc[c] = B[c] * faktor;
-    if constexpr (std::is_base_of_v<PhysviscTeilchen, T>) {
-        if (mitSigma) {
-            const double fs = kernel1(phys).dfak * phys.mTeilchen;
-            for (int c = 0; c < 6; ++c)
-                t.sigmaTensor[c] = S[c] * fs;
-            ww.sigma[x] = t.sigmaTensor;
-        }
+            ww.aArtvisc[x][c] = B[c] * faktor;
+    if (mitSigma) {
+        const double fs = kernel1(phys).dfak * phys.mTeilchen;
+        for (int c = 0; c < 6; ++c)
+            ww.sigma[x][c] = S[c] * fs;
     }
 }
 
-// f(particle, slot) for every particle in slot order, in blocks over the
-// threads when the work (`ns` per list entry) pays.
-template <class T, class F>
-void _proTeilchen(std::vector<T>& teilchen, const Gitter<T>& g, const Partnerliste& ww, double ns,
-                  F f) {
-    const std::size_t n = std::min(teilchen.size(), g.index.size());
+// f(slot) for every slot in order, in blocks over the threads when the work
+// (`ns` per list entry) pays.
+template <class F> void _proSlot(const Partnerliste& ww, std::size_t n, double ns, F f) {
     const double arbeit = double(ww.eintraege) * ns + double(n) * kosten::teilchen;
     fuerBloecke(ww.anzahlBloecke(n), lohnt(arbeit), [&](std::size_t b) {
         const std::size_t s1 = std::min(n, (b + 1) * Partnerliste::blockgroesse);
-        for (std::size_t x = b * Partnerliste::blockgroesse; x < s1; ++x) {
-            if (x + 8 < s1)
-                vorladen(&teilchen[g.index[x + 8]]);
-            f(teilchen[g.index[x]], std::uint32_t(x));
-        }
+        for (std::size_t x = b * Partnerliste::blockgroesse; x < s1; ++x)
+            f(std::uint32_t(x));
     });
+}
+
+// f(particle, slot) for every particle in the order of the particle vector.
+template <class T, class F> void _proTeilchen(std::vector<T>& teilchen, const Gitter<T>& g, F f) {
+    const std::size_t n = std::min(teilchen.size(), g.slot.size());
+    fuerAlle(n, 2, [&](std::size_t i) { f(teilchen[i], g.slot[i]); });
 }
 
 // Forms the term `term` of this evaluation unless done: the first call after
@@ -158,12 +163,25 @@ void _gaspass(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>& ww, un
     if (ww.erledigt & term)
         return;
     const unsigned terme = ww.gefragt & ~ww.erledigt;
-    if (terme & scherung) {
-        mitVorrat(ww.sigma, ww.gas.size());
-        ww.sigma.resize(ww.gas.size());
+    const std::size_t n = ww.gas.size();
+    for (auto* v : {&ww.aPress, &ww.aArtvisc}) {
+        mitVorrat(*v, n);
+        v->resize(n);
     }
-    _proTeilchen(teilchen, g, ww, kosten::gas,
-                 [&](T& t, std::uint32_t x) { _gasterme(t, ww, x, terme, phys); });
+    if (terme & scherung) {
+        mitVorrat(ww.sigma, n);
+        ww.sigma.resize(n);
+    }
+    _proSlot(ww, n, kosten::gas, [&](std::uint32_t x) { _gasterme(ww, x, terme, phys); });
+    _proTeilchen(teilchen, g, [&](T& t, std::uint32_t x) {
+        if (terme & druck)
+            t.aPress = ww.aPress[x];
+        if (terme & kuenstlich)
+            t.aArtvisc = ww.aArtvisc[x];
+        if constexpr (std::is_base_of_v<PhysviscTeilchen, T>)
+            if (terme & scherung)
+                t.sigmaTensor = ww.sigma[x];
+    });
     ww.erledigt |= terme;
 }
 

@@ -9,5 +9,9 @@ void SphTeilchen::_force_init(PhysSystem& phys) {
 }
 
 void SphTeilchen::dichte(double S, PhysSystem& phys) {
-    rho = S * phys.mTeilchen * static_cast<Kernel1*>(phys.kernel)->fak;
+    rho = dichteAus(S, phys);
+}
+
+double SphTeilchen::dichteAus(double S, const PhysSystem& phys) {
+    return S * phys.mTeilchen * static_cast<const Kernel1*>(phys.kernel)->fak;
 }

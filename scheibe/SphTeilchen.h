@@ -18,4 +18,5 @@ public:
     void _force_init(PhysSystem& phys);
     // The same from S = 1 + sum of W, in the order (S m) fak.
     void dichte(double S, PhysSystem& phys);
+    static double dichteAus(double S, const PhysSystem& phys);
 };

@@ -14,6 +14,7 @@
 #include "scheibe/Ganzzahl.h"
 #include "scheibe/Gitter.h"
 #include "scheibe/Paare.h"
+#include "scheibe/PressArtviscTemplates.h"
 #include "physik/Kernel1.h"
 #include "scheibe/Paarliste.h"
 #include "scheibe/ScheibenTemplates.h"
@@ -88,11 +89,11 @@ struct Suchpuffer {
 
 // The pair search and each particle's density, one pass over the particles
 // in slot order, in blocks handed to the threads one at a time: each
-// particle's accelerations to zero, its partners found from its own side
+// particle's partners found from its own side
 // (Gitter::partnerBereiche) in pair-list order, the gradient and the
 // viscosity factor of each kept in its list, the kernel values summed into
 // its density in that order; then its density (and, for the gas discs, its
-// equation of state). Every pair is found by both its partners, from the
+// equation of state), by slot; then the records take them over. Every pair is found by both its partners, from the
 // same coordinates, so both lists agree. The loops over candidates and
 // partners have no dependence from one to the next and run in the lanes of
 // the vector unit (each lane the same IEEE operations, so the same bits);
@@ -127,11 +128,6 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
         for (std::uint32_t x = s0; x < s1; ++x) {
             const std::size_t basis = bl.belegt;
             bl.anfang[x - s0] = std::uint32_t(basis);
-            if (x + 8 < s1)
-                vorladen(&teilchen[g.index[x + 8]]);
-            T& t = teilchen[g.index[x]];
-            t.init();
-            paare(t).zeige(&ww, x);
             const double xx = X[x], yy = Y[x], zz = Z[x];
             // The candidates closer than h, in order. Separations partner -
             // self: the pair's own for its first partner, negated for its
@@ -196,11 +192,29 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
             double S = 1.0;
             for (std::size_t k = 0; k < m; ++k)
                 S += Wk[k];
-            t.dichte(S, phys);
-            if constexpr (gas)
-                ww.gas[x] = {t.rho, t.p, t.cs};
+            if constexpr (gas) {
+                ww.gas[x] = _gaszustand(S, phys);
+            } else {
+                ww.gas[x] = {};
+                ww.gas[x].rho = SphTeilchen::dichteAus(S, phys);
+            }
         }
         bl.anfang[s1 - s0] = std::uint32_t(bl.belegt);
+    });
+    // The particle records, in their own order: accelerations to zero, the
+    // view of their pairs, density and equation of state.
+    fuerAlle(n, kosten::teilchen, [&](std::size_t i) {
+        T& t = teilchen[i];
+        const std::uint32_t x = g.slot[i];
+        t.init();
+        paare(t).zeige(&ww, x);
+        const Partnerliste::Gas& z = ww.gas[x];
+        t.rho = z.rho;
+        if constexpr (gas) {
+            t.p = z.p;
+            t.temperatur = z.temperatur;
+            t.cs = z.cs;
+        }
     });
     std::size_t e = 0;
     for (std::size_t b = 0; b < bloecke; ++b)

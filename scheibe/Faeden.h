@@ -59,15 +59,6 @@ template <class F> void fuerAlle(std::size_t n, double ns, F f) {
         f(std::size_t(i));
 }
 
-// Asks the memory system for every cache line of a record ahead of its use:
-// the passes visit the particles in the grid's cell order, which is not the
-// order of the particle vector, and would otherwise wait for each record.
-template <class T> void vorladen(const T* t) {
-    const char* p = reinterpret_cast<const char*>(t);
-    for (std::size_t b = 0; b < sizeof(T); b += 64)
-        __builtin_prefetch(p + b, 1);
-}
-
 // Running sums of integers in place: a[i] becomes a[0] + ... + a[i]. Integer
 // sums are exact in any grouping, so long arrays are summed in one block per
 // thread, each block then shifted by the sum of the blocks before it.

@@ -24,8 +24,8 @@
 //
 // Particles are handled by slot (the grid's cell order) in blocks of
 // `blockgroesse` slots; each block writes its partner lists into storage of
-// its own, which clear() keeps, so an evaluation in the steady state
-// allocates nothing.
+// its own, which only grows, so an evaluation in the steady state allocates
+// nothing.
 class Partnerliste {
 public:
     static constexpr std::size_t blockgroesse = 256;
@@ -62,7 +62,7 @@ public:
     // The grid's positions and velocities, by slot.
     const double *x = nullptr, *y = nullptr, *z = nullptr;
     const double *vx = nullptr, *vy = nullptr, *vz = nullptr;
-    std::vector<Gas> gas;       // by slot: density, pressure, sound speed
+    std::vector<Gas> gas;       // by slot: density, pressure, sound speed, temperature
     std::vector<Tensor6> sigma; // by slot: shear tensor (viscous discs)
     // By slot, the particles' accelerations of the last evaluation: the
     // passes write them in cell order, and the particle records (in the
@@ -79,10 +79,10 @@ public:
         const Block& b = block(s);
         double S = 1.0;
         for (std::uint32_t k = erster(s), e = k + anzahl(s); k < e; ++k) {
+            // self - partner: the negated separation, with the same square.
             const std::uint32_t q = b.partner[k] & ~naehert;
-            const double u[3] = {x[q] - x[s], y[q] - y[s], z[q] - z[s]};
             double v[3] = {x[s] - x[q], y[s] - y[q], z[s] - z[q]};
-            S += kern.wert(std::sqrt(u[0] * u[0] + u[1] * u[1] + u[2] * u[2]), v);
+            S += kern.wert(std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]), v);
         }
         return S;
     }

@@ -13,6 +13,10 @@ Odeint::Odeint(InitOdeint& init)
       outputtime(init.Outputtime), hmin(init.MinSchrittweite), maxstp(init.MaxSchritte),
       abbruch(false) {}
 
+void Odeint::ersteStufe(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte) {
+    kraefte.derivatives(scheibe, phys);
+}
+
 void Odeint::odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte) {
     if (scheibe.t() >= outputtime)
         std::cout << "Odeint: Fehler: Anfangszeitpunkt ist gr\xf6\xdf" "er als Endzeitpunkt der "
@@ -44,7 +48,7 @@ void Odeint::fortsetzen(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kr
         return;
     double hdid = 0, hnext = 0;
     for (;;) {
-        kraefte.derivatives(scheibe, phys);
+        ersteStufe(scheibe, phys, kraefte);
         if (scheibe.t() + h - tout(kout) > 0)
             h = tout(kout) - scheibe.t();
         stepper(scheibe, phys, kraefte, &hdid, &hnext);

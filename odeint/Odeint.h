@@ -48,6 +48,10 @@ public:
     // the step done and the proposal for the next one.
     virtual void stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte,
                          double* hdid, double* hnext) = 0;
+    // The evaluation of the forces on the disc that each step starts from
+    // (its first stage). An integrator that already holds the accelerations
+    // of the disc's present state may skip it.
+    virtual void ersteStufe(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte);
 
     // Runs the whole integration from the disc's time.
     void odeint(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte);

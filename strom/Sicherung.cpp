@@ -193,6 +193,17 @@ std::string Sicherung::schreibe(const Odeint& odeint, AkkScheibe& scheibe) const
     w.zahl(static_cast<std::int64_t>(quelle->eingespeist));
     w.zahl(static_cast<std::uint64_t>(z.size()));
     w.bytes(z.data(), z.size());
+    if (!teile.empty()) {
+        w.zahl(static_cast<std::uint32_t>(teile.size()));
+        for (Sicherungsteil* t : teile) {
+            const std::string name = t->name();
+            const std::string b = t->zustand();
+            w.zahl(static_cast<std::uint32_t>(name.size()));
+            w.bytes(name.data(), name.size());
+            w.zahl(static_cast<std::uint64_t>(b.size()));
+            w.bytes(b.data(), b.size());
+        }
+    }
     bool ok = w.ende();
     std::string fehler = ok ? "" : "'" + neu + "': " + std::strerror(w.fehler);
     // On the disc before the rename, so that the name never points at
@@ -278,9 +289,37 @@ std::string Sicherung::lies(Odeint& odeint, AkkScheibe& scheibe) const {
         l.zahl(x);
     ok = l.zahl(stromT0) && l.zahl(eingespeist) && l.zahl(zlaenge);
     std::string zt;
-    ok = ok && l.bytes(zt, zlaenge) && l.rest() == 0;
+    ok = ok && l.bytes(zt, zlaenge);
     if (!ok)
         return vorsatz + "ist unvollst\xe4ndig";
+    // The further parts: the same ones, in the same order, as this run has.
+    std::uint32_t anzahlTeile = 0;
+    if (l.rest() > 0 && !l.zahl(anzahlTeile))
+        return vorsatz + "ist unvollst\xe4ndig";
+    std::string namen;
+    std::vector<std::string> teilBytes(anzahlTeile < 64 ? anzahlTeile : 0);
+    for (std::uint32_t i = 0; i < anzahlTeile && i < 64; ++i) {
+        std::uint32_t nl = 0;
+        std::uint64_t bl = 0;
+        std::string name;
+        if (!l.zahl(nl) || !l.bytes(name, nl) || !l.zahl(bl) || !l.bytes(teilBytes[i], bl))
+            return vorsatz + "ist unvollst\xe4ndig";
+        namen += (i ? ", " : "") + name;
+    }
+    std::string erwartet;
+    for (std::size_t i = 0; i < teile.size(); ++i)
+        erwartet += (i ? ", " : "") + std::string(teile[i]->name());
+    if (anzahlTeile >= 64 || l.rest() != 0)
+        return vorsatz + "enth\xe4lt ung\xfcltige Werte";
+    if (namen != erwartet)
+        return vorsatz + "geh\xf6rt zu einem Lauf mit anderen Optionen (sie f\xfchrt: " +
+               (namen.empty() ? "nichts" : namen) + "; dieser Lauf: " +
+               (erwartet.empty() ? "nichts" : erwartet) + ")";
+    for (std::size_t i = 0; i < teile.size(); ++i) {
+        const std::string f = teile[i]->lies(teilBytes[i], static_cast<std::size_t>(n), false);
+        if (!f.empty())
+            return vorsatz + "enth\xe4lt ung\xfcltige Werte (" + teile[i]->name() + ": " + f + ")";
+    }
     st.kout = z[0];
     st.nstp = z[1];
     st.remove_count = z[2];
@@ -308,6 +347,8 @@ std::string Sicherung::lies(Odeint& odeint, AkkScheibe& scheibe) const {
     quelle->t0 = stromT0;
     quelle->eingespeist = eingespeist;
     quelle->zufall = zufall;
+    for (std::size_t i = 0; i < teile.size(); ++i)
+        teile[i]->lies(teilBytes[i], static_cast<std::size_t>(n), true);
     return "";
 }
 

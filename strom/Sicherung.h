@@ -4,10 +4,39 @@
 
 #include <csignal>
 #include <cstdint>
+#include <cstring>
 #include <string>
+#include <vector>
 
 class AkkScheibe;
 class Stromquelle;
+
+// A further part of a run's state that its checkpoint carries under a name
+// of its own (an integrator's accelerations, a table's length): what the run
+// holds beyond the disc, the driver and the stream when an option asks for it.
+class Sicherungsteil {
+public:
+    virtual ~Sicherungsteil() = default;
+    virtual const char* name() const = 0;
+    // The part's state, as bytes.
+    virtual std::string zustand() = 0;
+    // Checks the bytes of a checkpoint whose disc has n particles and, with
+    // setzen, takes them over; an empty string when they are sound, else the
+    // message. Without setzen nothing is changed.
+    virtual std::string lies(const std::string& bytes, std::size_t n, bool setzen) = 0;
+
+    // The parts' bytes: numbers in the machine's own form, as the rest.
+    template <class T> static void anhaengen(std::string& b, const T& x) {
+        b.append(reinterpret_cast<const char*>(&x), sizeof x);
+    }
+    template <class T> static bool nimm(const std::string& b, std::size_t& pos, T& x) {
+        if (b.size() - pos < sizeof x || pos > b.size())
+            return false;
+        std::memcpy(&x, b.data() + pos, sizeof x);
+        pos += sizeof x;
+        return true;
+    }
+};
 
 // Checkpoints of a fed disc, for a run that continues byte for byte.
 //
@@ -35,6 +64,9 @@ public:
     std::uint64_t scheibenPruefsumme = 0;  // fingerprint of the initial disc file
     Stromquelle* quelle = nullptr;  // the stream whose state goes with the disc; not owned
     std::string weiterBefehl = "akkstrom --weiter"; // named in the message when the run stops
+    // Further parts, in this order, after the stream's state (none: the
+    // file is that of a run without them, byte for byte); not owned.
+    std::vector<Sicherungsteil*> teile;
 
     int signal = 0;        // the signal that ended the run, 0 if none did
     bool angehalten = false; // the run was ended here, with or without a checkpoint written

@@ -4,6 +4,8 @@
 #include "scheibe/AkkScheibe.h"
 #include "strom/Fortschritt.h"
 #include "strom/InitStrom.h"
+#include "strom/Leapfrog.h"
+#include "strom/Lichtkurve.h"
 #include "strom/Sicherung.h"
 #include "strom/Stromquelle.h"
 
@@ -22,6 +24,7 @@ StromConsole::StromConsole(const char* parameterDatei, const char* teilchenDatei
 // The stream only holds pointers to the disc and the physical system, which
 // the base releases afterwards.
 StromConsole::~StromConsole() {
+    delete lichtkurve;
     delete sicherung;
     delete anzeige;
     delete quelle;
@@ -31,7 +34,8 @@ StromConsole::~StromConsole() {
 namespace {
 
 const char* const bekannt = "--fortschritt, --weiter, --sicherung DATEI, --sicherung-schritte N, "
-                            "--sicherung-minuten M, --halt-nach N";
+                            "--sicherung-minuten M, --halt-nach N, --integrator cashkarp|leapfrog, "
+                            "--lichtkurve DATEI";
 
 // A whole number from 1 up, as an option's value.
 bool positiv(const char* text, long long& n) {
@@ -60,10 +64,13 @@ int StromConsole::run(int argc, char** argv) {
     // (power, memory) loses at most that.
     double minuten = 30;
     bool minutenGenannt = false;
+    bool mitLeapfrog = false;
+    std::string lichtkurveDatei;
     for (int i = 1; i < argc; ++i) {
         const std::string o = argv[i];
         const bool mitWert = o == "--sicherung" || o == "--sicherung-schritte" ||
-                             o == "--sicherung-minuten" || o == "--halt-nach";
+                             o == "--sicherung-minuten" || o == "--halt-nach" ||
+                             o == "--integrator" || o == "--lichtkurve";
         if (o == "--fortschritt") {
             fortschritt = true;
             continue;
@@ -81,7 +88,20 @@ int StromConsole::run(int argc, char** argv) {
             return 2;
         }
         const char* wert = argv[++i];
-        if (o == "--sicherung") {
+        if (o == "--integrator") {
+            if (std::strcmp(wert, "leapfrog") != 0 && std::strcmp(wert, "cashkarp") != 0) {
+                std::cerr << "akkstrom: Option --integrator braucht cashkarp oder leapfrog, nicht '"
+                          << wert << "'\n";
+                return 2;
+            }
+            mitLeapfrog = std::strcmp(wert, "leapfrog") == 0;
+        } else if (o == "--lichtkurve") {
+            lichtkurveDatei = wert;
+            if (lichtkurveDatei.empty()) {
+                std::cerr << "akkstrom: Option --lichtkurve braucht einen Dateinamen\n";
+                return 2;
+            }
+        } else if (o == "--sicherung") {
             datei = wert;
             dateiGenannt = true;
             if (datei.empty()) {
@@ -130,6 +150,24 @@ int StromConsole::run(int argc, char** argv) {
     sicherung->quelle = quelle;
     if (dateiGenannt)
         sicherung->weiterBefehl += " --sicherung '" + datei + "'";
+    RechteSeiteDG* rechts = kraefte;
+    if (mitLeapfrog) {
+        // In place of the Cash-Karp stepper and its stage copies.
+        leapfrog = new Leapfrog(*initOdeint);
+        delete odeint;
+        odeint = leapfrog;
+        leapfrog->aenderungen = [this] {
+            return static_cast<long long>(odeint->stand.remove_count) + quelle->eingespeist;
+        };
+        sicherung->teile.push_back(leapfrog);
+        sicherung->weiterBefehl += " --integrator leapfrog";
+    }
+    if (!lichtkurveDatei.empty()) {
+        lichtkurve = new Lichtkurve(*kraefte, *scheibe, *physSystem, lichtkurveDatei);
+        sicherung->teile.push_back(lichtkurve);
+        sicherung->weiterBefehl += " --lichtkurve '" + lichtkurveDatei + "'";
+        rechts = lichtkurve;
+    }
     if (!Sicherung::pruefsumme(parameterDatei, sicherung->parameterPruefsumme) ||
         !Sicherung::pruefsumme(teilchenDatei, sicherung->scheibenPruefsumme)) {
         std::cerr << "akkstrom: Parameterdatei oder Anfangsscheibe lassen sich f\xfcr die "
@@ -148,6 +186,13 @@ int StromConsole::run(int argc, char** argv) {
         std::cout << fehler << '\n';
         return 1;
     }
+    if (lichtkurve && !weiter) {
+        std::string f;
+        if (!lichtkurve->beginne(f)) {
+            std::cerr << "akkstrom: " << f << "; nichts gerechnet\n";
+            return 1;
+        }
+    }
     if (fortschritt || terminal) {
         anzeige = new Fortschritt(*quelle, *scheibe, *physSystem, odeint->outputtime, std::cerr,
                                   terminal);
@@ -158,9 +203,11 @@ int StromConsole::run(int argc, char** argv) {
     Sicherung::fangeSignale();
     odeint->zwischenhalt = sicherung;
     if (weiter)
-        odeint->fortsetzen(*scheibe, *physSystem, *kraefte);
+        odeint->fortsetzen(*scheibe, *physSystem, *rechts);
     else
-        odeint->odeint(*scheibe, *physSystem, *kraefte);
+        odeint->odeint(*scheibe, *physSystem, *rechts);
+    if (lichtkurve && !lichtkurve->abschluss())
+        std::cerr << "akkstrom: Lichtkurve '" << lichtkurveDatei << "' unvollst\xe4ndig geschrieben\n";
     if (anzeige) {
         std::cout.flush(); // the driver's lines before the last progress line
         anzeige->abschluss();

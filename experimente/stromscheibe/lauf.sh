@@ -14,7 +14,8 @@
 # ORBITS     binary orbits to run (default 10)
 # PER_ORBIT  snapshots per orbit (default 20)
 #
-# The build folder is taken from AKK_BUILD (default build). Afterwards FOLDER
+# The build folder is taken from AKK_BUILD (default build), further options
+# of akkstrom (e.g. --integrator leapfrog) from AKK_OPTIONEN. Afterwards FOLDER
 # holds data/ (parameter file and snapshots), akkstrom.log (the driver's
 # lines, with the removals, and one pair count a step), fortschritt.log (the
 # progress lines after the wall-clock time), wandzeit.txt (the wall time in
@@ -69,7 +70,8 @@ beginn=$(date +%s.%N)
 # The pair count is printed at every evaluation of the forces, six or more
 # times a step; the log keeps the first of each step. The progress lines get
 # the wall-clock time in seconds in front, for the pace of the run.
-OMP_NUM_THREADS=1 AKKSTROM_FORTSCHRITT=1 nice -n 10 "$programm" \
+# shellcheck disable=SC2086
+OMP_NUM_THREADS=1 AKKSTROM_FORTSCHRITT=1 nice -n 10 "$programm" ${AKK_OPTIONEN:-} \
     2> >(while IFS= read -r zeile; do printf '%(%s)T %s\n' -1 "$zeile"; done > fortschritt.log) |
     awk '/^Anzahl WWPartnern/ { if (!gezeigt) print; gezeigt = 1; next } { gezeigt = 0; print }' \
     > akkstrom.log || true

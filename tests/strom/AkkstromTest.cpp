@@ -159,8 +159,15 @@ TEST(Akkstrom, SchlechteStromschluesselUndOptionenBeendenDenLaufVorDemErstenSchr
         // Options: refused before anything is read or written.
         {param, "--fortschrit", "",
          "akkstrom: unbekannte Option '--fortschrit' (bekannt: --fortschritt, --weiter, "
-         "--sicherung DATEI, --sicherung-schritte N, --sicherung-minuten M, --halt-nach N)\n",
+         "--sicherung DATEI, --sicherung-schritte N, --sicherung-minuten M, --halt-nach N, "
+         "--integrator cashkarp|leapfrog, --lichtkurve DATEI)\n",
          2},
+        {param, "--integrator rk4", "",
+         a + "integrator braucht cashkarp oder leapfrog, nicht 'rk4'\n", 2},
+        {param, "--lichtkurve fehlt/l", "",
+         "akkstrom: Lichtkurve 'fehlt/l' l\xe4sst sich nicht anlegen: No such file or "
+         "directory; nichts gerechnet\n",
+         1},
         {param, "--halt-nach 0", "", a + "halt-nach braucht eine ganze Zahl ab 1, nicht '0'\n", 2},
         {param, "--sicherung-schritte 2x", "",
          a + "sicherung-schritte braucht eine ganze Zahl ab 1, nicht '2x'\n", 2},
@@ -188,42 +195,68 @@ TEST(Akkstrom, SchlechteStromschluesselUndOptionenBeendenDenLaufVorDemErstenSchr
 }
 
 TEST(Sicherung, AngehaltenUndWeitergerechnetGleichtDemDurchgehendenLauf) {
+    const std::string licht = "--lichtkurve data/licht.tsv";
     struct Fall {
         void (*ordner)(const hilfen::TempOrdner&);
         std::vector<std::string> halte; // step numbers, or "@T": the step that ends at time T
+        std::string optionen;
     } faelle[] = {
         // After step 1, after the step that wrote the snapshot at 650 s, before the last: four
         // runs.
-        {gas, {"1", "@650", "15"}},
+        {gas, {"1", "@650", "15"}, ""},
         // Before and after the step that removed a particle.
-        {frei, {"1", "2"}},
+        {frei, {"1", "2"}, ""},
+        // With the light curve, whose rows must go on as well, and with the leapfrog, whose
+        // accelerations of the last step are part of the state.
+        {gas, {"1", "@650", "15"}, licht},
+        {gas, {"1", "@650", "30"}, "--integrator leapfrog " + licht},
     };
+    hilfen::TempOrdner ohne;
+    gas(ohne);
+    const hilfen::Lauf schlicht = akkstrom(ohne.pfad());
     for (const Fall& f : faelle) {
         hilfen::TempOrdner ganz, stueck;
         f.ordner(ganz);
         f.ordner(stueck);
-        const hilfen::Lauf voll = akkstrom(ganz.pfad());
+        const hilfen::Lauf voll = akkstrom(ganz.pfad(), f.optionen);
         ASSERT_EQ(voll.status, 0);
+        if (f.optionen == licht) { // the light curve changes no byte of the run
+            EXPECT_EQ(voll.out, schlicht.out);
+            EXPECT_EQ(schnappschuesse(ganz), schnappschuesse(ohne));
+        }
+        const std::string befehl = "akkstrom --weiter" +
+                                   std::string(f.optionen.find("leap") != std::string::npos
+                                                   ? " --integrator leapfrog" : "") +
+                                   (f.optionen.empty() ? "" : " --lichtkurve 'data/licht.tsv'");
         std::string aus;
         int bisher = 0; // steps done by the runs before; --halt-nach counts those of each process
         for (std::string h : f.halte) {
             if (h[0] == '@')
                 h = suche(voll.out, "step: ([0-9]+) akk\\.t: " + h.substr(1) + "\n");
-            const hilfen::Lauf l =
-                akkstrom(stueck.pfad(), std::string(aus.empty() ? "" : "--weiter ") +
-                                            "--halt-nach " + std::to_string(std::stoi(h) - bisher));
+            const hilfen::Lauf l = akkstrom(
+                stueck.pfad(), std::string(aus.empty() ? "" : "--weiter ") + f.optionen +
+                                   " --halt-nach " + std::to_string(std::stoi(h) - bisher));
             bisher = std::stoi(h);
             EXPECT_EQ(l.status, 3) << h;
             EXPECT_EQ(l.err, "akkstrom: angehalten nach Schritt " + h + " bei t = " +
                                  suche(voll.out, "step: " + h + " akk\\.t: ([^\n]+)\n") +
-                                 " s; Sicherung in './data/akkstrom.sicherung', weiter mit: "
-                                 "akkstrom --weiter\n");
+                                 " s; Sicherung in './data/akkstrom.sicherung', weiter mit: " +
+                                 befehl + "\n");
             aus += l.out;
         }
-        const hilfen::Lauf rest = akkstrom(stueck.pfad(), "--weiter");
+        const hilfen::Lauf rest = akkstrom(stueck.pfad(), "--weiter " + f.optionen);
         EXPECT_EQ(rest.status, 0);
         EXPECT_EQ(aus + rest.out, voll.out);
         EXPECT_EQ(schnappschuesse(stueck), schnappschuesse(ganz));
+        if (!f.optionen.empty()) {
+            const std::string l = hilfen::lies(ganz.datei("data/licht.tsv"));
+            EXPECT_EQ(hilfen::lies(stueck.datei("data/licht.tsv")), l);
+            // Three header lines, then a row for the start of every step; the leapfrog, which
+            // evaluates the forces at the end of its steps, also has the end's.
+            const auto schritte = std::stol(suche(voll.out, "step: ([0-9]+) akk[^\n]+\nremove"));
+            const bool lf = f.optionen.find("leap") != std::string::npos;
+            EXPECT_EQ(std::count(l.begin(), l.end(), '\n'), 3 + schritte + (lf ? 1 : 0));
+        }
     }
 }
 
@@ -324,7 +357,7 @@ TEST(Sicherung, FremdeOderBeschaedigteSicherungWirdAbgelehnt) {
     gekippt[gut.size() / 2] ^= 1;
     const struct {
         std::string sicherung, zusatz, anfang; // none if empty; appended to parameters, disc
-        std::string meldung;
+        std::string meldung, optionen = "";
     } faelle[] = {
         {"", "", "", "l\xe4sst sich nicht lesen: No such file or directory"},
         {gut.substr(0, gut.size() / 2), "", "", kaputt},
@@ -333,6 +366,10 @@ TEST(Sicherung, FremdeOderBeschaedigteSicherungWirdAbgelehnt) {
         {gut, "% a note\n", "",
          fremd + "Parameterdatei ist nicht die, mit der sie geschrieben wurde"},
         {gut, "", "\n", fremd + "Anfangsscheibe ist nicht die, mit der sie geschrieben wurde"},
+        {gut, "", "",
+         "geh\xf6rt zu einem Lauf mit anderen Optionen (sie f\xfchrt: nichts; dieser Lauf: "
+         "leapfrog, lichtkurve)",
+         " --integrator leapfrog --lichtkurve l"},
     };
     for (const auto& f : faelle) {
         hilfen::TempOrdner w;
@@ -341,7 +378,7 @@ TEST(Sicherung, FremdeOderBeschaedigteSicherungWirdAbgelehnt) {
         std::ofstream(w.datei("data/Akk-OYCar-0"), std::ios::app) << f.anfang;
         if (!f.sicherung.empty())
             hilfen::schreibe(w.datei("data/akkstrom.sicherung"), f.sicherung);
-        const hilfen::Lauf l = akkstrom(w.pfad(), "--weiter");
+        const hilfen::Lauf l = akkstrom(w.pfad(), "--weiter" + f.optionen);
         EXPECT_EQ(l.status, 1);
         EXPECT_EQ(l.out, "");
         EXPECT_EQ(l.err, "akkstrom: Sicherung './data/akkstrom.sicherung' " + f.meldung +

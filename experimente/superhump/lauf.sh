@@ -14,8 +14,8 @@
 #   bahnen=N    binary orbits [100]
 #   pro_bahn=K  snapshots an orbit [20]
 #   rate=R      mass transfer rate through L1, solar masses a second
-#               [4.8e-17 = 1.5e-9 a year: a particle every 3.6 s]
-#   n=N         particles of the initial disc [3000]
+#               [1.6e-17 = 5e-10 a year: a particle every 10.8 s]
+#   n=N         particles of the initial disc [6000]
 #   innen=R     inner radius of the initial disc [0.08]
 #   aussen=R    outer radius of the initial disc [0.3]
 #   optionen=.. further options of akkstrom, e.g. "--integrator leapfrog
@@ -31,7 +31,7 @@ set -euo pipefail
 quelle=$(cd "$(dirname "$0")/../.." && pwd)
 [ $# -ge 1 ] || { sed -n 2,28p "$0"; exit 2; }
 ordner=$1; shift
-m2=0.07 bahnen=100 pro_bahn=20 rate=4.8e-17 n=3000 innen=0.08 aussen=0.3 optionen= faeden=1
+m2=0.07 bahnen=100 pro_bahn=20 rate=1.6e-17 n=6000 innen=0.08 aussen=0.3 optionen= faeden=1
 for a in "$@"; do
     case $a in
     m2=*|bahnen=*|pro_bahn=*|rate=*|n=*|innen=*|aussen=*|optionen=*|faeden=*) declare "$a" ;;

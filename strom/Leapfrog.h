@@ -26,7 +26,8 @@
 // One global step from the Courant and force conditions (Monaghan 1992,
 // sec. 10): dt = min(cKraft min_i sqrt(h/|a_i|), cCourant min_i h/(c_i +
 // 0.6 (alpha c_i + beta max_j |mu_ij|)), h^2/(8 nu)), the last for explicit
-// shear diffusion; capped by the driver's step (clipped to the next output).
+// shear diffusion, rounded down to a power of two seconds and capped by the
+// driver's step (clipped to the next output).
 //
 // The accelerations at the end of a step are those the next one starts
 // from: the driver's evaluation at the start of a step is skipped unless

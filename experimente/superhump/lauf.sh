@@ -18,6 +18,8 @@
 #   n=N         particles of the initial disc [6000]
 #   innen=R     inner radius of the initial disc [0.08]
 #   aussen=R    outer radius of the initial disc [0.3]
+#   alpha=A     ArtVisk_alpha [1, as strom/beispiel/]
+#   beta=B      ArtVisk_beta [2, as strom/beispiel/]
 #   optionen=.. further options of akkstrom, e.g. "--integrator leapfrog
 #               --lichtkurve lichtkurve.tsv" [none]
 #   faeden=T    OMP_NUM_THREADS [1]
@@ -31,10 +33,12 @@ set -euo pipefail
 quelle=$(cd "$(dirname "$0")/../.." && pwd)
 [ $# -ge 1 ] || { sed -n 2,28p "$0"; exit 2; }
 ordner=$1; shift
-m2=0.07 bahnen=100 pro_bahn=20 rate=1.6e-17 n=6000 innen=0.08 aussen=0.3 optionen= faeden=1
+m2=0.07 bahnen=100 pro_bahn=20 rate=1.6e-17 n=6000 innen=0.08 aussen=0.3 alpha=1 beta=2
+optionen= faeden=1
 for a in "$@"; do
     case $a in
-    m2=*|bahnen=*|pro_bahn=*|rate=*|n=*|innen=*|aussen=*|optionen=*|faeden=*) declare "$a" ;;
+    m2=*|bahnen=*|pro_bahn=*|rate=*|n=*|innen=*|aussen=*|alpha=*|beta=*|optionen=*|faeden=*)
+        declare "$a" ;;
     *) echo "lauf.sh: unknown argument '$a'" >&2; exit 2 ;;
     esac
 done
@@ -55,7 +59,8 @@ if [ ! -f data/akkstrom.sicherung ]; then
     {
     # The note must not contain a key's word: every word of the file counts.
     echo "% Made by experimente/superhump/lauf.sh from strom/beispiel/data: $bahnen orbits,"
-    echo "% $pro_bahn snapshots an orbit, transfer $rate solar masses a second, secondary $m2;"
+    echo "% $pro_bahn snapshots an orbit, transfer $rate solar masses a second, secondary $m2,"
+    echo "% artificial viscosity $alpha and $beta;"
     echo "% initial disc of $n particles from $innen to $aussen."
     echo
     sed -e "s/^Outputfiles .*/Outputfiles $((bahnen * pro_bahn))/" \
@@ -63,6 +68,8 @@ if [ ! -f data/akkstrom.sicherung ]; then
         -e "s/^MaxSchritte .*/MaxSchritte $((bahnen * 50000))/" \
         -e "s/^Stromrate .*/Stromrate $rate/" \
         -e "s/^Sekundaersternmasse .*/Sekundaersternmasse $m2/" \
+        -e "s/^ArtVisk_alpha .*/ArtVisk_alpha $alpha/" \
+        -e "s/^ArtVisk_beta .*/ArtVisk_beta $beta/" \
         "$quelle/strom/beispiel/data/OYCar.parameter"
     } > data/OYCar.parameter
     "$bau/tools/scheibengenerator" -n "$n" --innen "$innen" --aussen "$aussen" \

@@ -39,24 +39,20 @@ void Leapfrog::ersteStufe(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& 
 
 namespace {
 
-// Largest |mu| among a particle's partners (mu is 0 for receding ones).
-template <class V> double muMax(const V& sicht) {
-    const Partnerliste* l = sicht.paarliste();
-    if (!l)
-        return 0;
-    const auto& b = l->block(sicht.slot());
-    double m = 0;
-    for (std::uint32_t k = l->erster(sicht.slot()), e = k + l->anzahl(sicht.slot()); k < e; ++k)
-        m = std::max(m, std::fabs(b.mu[k]));
-    return m;
-}
-
-template <class T, class S>
-double courant(const std::vector<T>& teilchen, S sicht, const PhysSystem& phys) {
+// The Courant condition over a gas disc's pair list, slot by slot in the
+// list's own order: each particle's sound speed and the largest |mu| among
+// its partners (mu is 0 for receding ones).
+double courant(const Partnerliste* l, std::size_t n, const PhysSystem& phys) {
     double dt = std::numeric_limits<double>::infinity();
-    for (const T& t : teilchen) {
-        const double c = t.cs;
-        dt = std::min(dt, phys.h / (c + 0.6 * (phys.alpha * c + phys.beta * muMax(sicht(t)))));
+    if (!l)
+        return dt;
+    for (std::uint32_t s = 0; s < n; ++s) {
+        const auto& b = l->block(s);
+        double m = 0;
+        for (std::uint32_t k = l->erster(s), e = k + l->anzahl(s); k < e; ++k)
+            m = std::max(m, std::fabs(b.mu[k]));
+        const double c = l->gas[s].cs;
+        dt = std::min(dt, phys.h / (c + 0.6 * (phys.alpha * c + phys.beta * m)));
     }
     return dt;
 }
@@ -73,15 +69,11 @@ double Leapfrog::schrittweite(AkkScheibe& scheibe, const PhysSystem& phys) const
     }
     double dt = cKraft * kraft;
     if (auto* p = dynamic_cast<PhysviscAkkScheibe*>(&scheibe)) {
-        dt = std::min(dt, cCourant * courant(p->teilchen, [](const PhysviscTeilchen& t) {
-                              return t.pvww;
-                          }, phys));
+        dt = std::min(dt, cCourant * courant(p->ww.get(), p->teilchen.size(), phys));
         if (phys.viskositaet > 0 && !p->teilchen.empty())
             dt = std::min(dt, (phys.h * phys.h) / (8.0 * phys.viskositaet));
     } else if (auto* q = dynamic_cast<PressArtviscAkkScheibe*>(&scheibe)) {
-        dt = std::min(dt, cCourant * courant(q->teilchen, [](const PressArtviscTeilchen& t) {
-                              return t.paww;
-                          }, phys));
+        dt = std::min(dt, cCourant * courant(q->ww.get(), q->teilchen.size(), phys));
     }
     return dt;
 }

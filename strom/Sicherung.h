@@ -30,7 +30,7 @@ public:
         b.append(reinterpret_cast<const char*>(&x), sizeof x);
     }
     template <class T> static bool nimm(const std::string& b, std::size_t& pos, T& x) {
-        if (b.size() - pos < sizeof x || pos > b.size())
+        if (pos > b.size() || b.size() - pos < sizeof x)
             return false;
         std::memcpy(&x, b.data() + pos, sizeof x);
         pos += sizeof x;

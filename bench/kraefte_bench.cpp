@@ -296,7 +296,7 @@ void BM_Gittersuche(benchmark::State& state) {
     gefunden.reserve(s.ww->paare());
     auto suche = [&] {
         gefunden.clear();
-        scheibe::_binne(s, s.teilchen, g);
+        scheibe::_binne(s, s.teilchen, g, *s.ww);
         g.suche(s.h2, [&](std::uint32_t p, std::uint32_t q, const double*, double) {
             gefunden.emplace_back(g.index[p], g.index[q]);
         });

@@ -4,6 +4,7 @@
 #include "kraefte/RechteSeiteDG.h"
 #include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
+#include "scheibe/Verteilung.h"
 
 #include <cmath>
 #include <iostream>
@@ -59,37 +60,68 @@ void Odeint::fortsetzen(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kr
             ++stand.nbad;
 
         // Particles that came closer to the primary than eta or strayed
-        // beyond rMax leave the simulation.
-        int i = 0;
-        while (i < scheibe.tanz()) {
-            const Vektor3& r = scheibe[i].r;
+        // beyond rMax leave the simulation, one message each, numbered in the
+        // particle order after the removals before it.
+        auto abstand = [&](const Teilchen& t) {
+            const Vektor3& r = t.r;
             double d0 = r[0] - phys.x1[0];
             double d1 = r[1] - phys.x1[1];
             double d2 = r[2] - phys.x1[2];
-            double abst_sqr = d0 * d0 + d1 * d1 + d2 * d2;
-            if (abst_sqr < rmin2 || abst_sqr > rmax2) {
-                scheibe.entferne_teilchen(i);
-                aus << " Entferne Teilchen : " << i << " von " << scheibe.tanz() + 1
-                    << " Teilchen " << " zur Zeit: " << scheibe.t() << " : " << rmin2
-                    << " < abst_sqr < " << rmax2 << "ist : " << abst_sqr << "\n\n";
-                ++remove_count;
-            } else {
-                ++i; // also a NaN distance stays
+            return d0 * d0 + d1 * d1 + d2 * d2;
+        };
+        auto raus = [&](double abst_sqr) { return abst_sqr < rmin2 || abst_sqr > rmax2; };
+        auto meldung = [&](long long i, long long von, double abst_sqr) {
+            aus << " Entferne Teilchen : " << i << " von " << von << " Teilchen "
+                << " zur Zeit: " << scheibe.t() << " : " << rmin2 << " < abst_sqr < " << rmax2
+                << "ist : " << abst_sqr << "\n\n";
+            ++remove_count;
+        };
+        if (Verteilung* vt = scheibe.verteilung) {
+            const long long vorher = static_cast<long long>(vt->gesamt());
+            const auto weg = vt->entferne(scheibe, [&](const Teilchen& t, double& abst_sqr) {
+                abst_sqr = abstand(t);
+                return raus(abst_sqr);
+            });
+            for (std::size_t k = 0; k < weg.size(); ++k)
+                meldung(static_cast<long long>(weg[k].index) - static_cast<long long>(k),
+                        vorher - static_cast<long long>(k), weg[k].abstand);
+        } else {
+            int i = 0;
+            while (i < scheibe.tanz()) {
+                const double abst_sqr = abstand(scheibe[i]);
+                if (raus(abst_sqr)) {
+                    scheibe.entferne_teilchen(i);
+                    meldung(i, scheibe.tanz() + 1, abst_sqr);
+                } else {
+                    ++i; // also a NaN distance stays
+                }
             }
         }
 
         // Output time reached, whichever the direction of integration.
+        auto ausgeben = [&] {
+            if (scheibe.verteilung)
+                scheibe.verteilung->ausgeben(scheibe, phys);
+            else
+                scheibe.output(phys);
+        };
+        bool ausgegeben = false;
         if ((scheibe.t() - tout(kout)) * (tout(kout) - t0) >= 0) {
             if (kout >= outputfiles - 1) {
-                scheibe.output(phys);
+                ausgeben();
                 aus << "remove_count :" << remove_count << '\n';
                 aus.flush();
                 return;
             }
-            scheibe.output(phys);
+            ausgeben();
             ++kout;
+            ausgegeben = true;
         }
         scheibe.update();
+        // Particles that crossed into another process's slab go there; at
+        // output times the slabs are redrawn from the particle counts.
+        if (scheibe.verteilung)
+            scheibe.verteilung->umverteilen(scheibe, ausgegeben);
         if (abbruch)
             return;
         if (std::fabs(hnext) <= hmin)

@@ -3,6 +3,7 @@
 #include "kraefte/RechteSeiteDG.h"
 #include "scheibe/Faeden.h"
 #include "scheibe/AkkScheibe.h"
+#include "scheibe/Verteilung.h"
 
 #include <cmath>
 #include <cstddef>
@@ -142,6 +143,9 @@ void RungeKutta::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& k
             if (m > errmax)
                 errmax = m;
         }
+        // Over the processes of a distributed run: the largest of their maxima.
+        if (scheibe.verteilung)
+            errmax = scheibe.verteilung->maximum(errmax);
         errmax = errmax / eps;
         if (!(errmax > 1.0))
             break; // accepted, also when errmax is not a number

@@ -35,7 +35,11 @@ void AkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
 void AkkScheibe::fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) {
-    scheibe::_append(teilchen, r, v);
+    scheibe::_append(*this, teilchen, r, v);
+}
+void AkkScheibe::ordne_teilchen(const std::vector<long long>& folge, const std::vector<Vektor3>& r,
+                         const std::vector<Vektor3>& v) {
+    scheibe::_ordne(teilchen, folge, r, v);
 }
 
 void AkkScheibe::update() {

@@ -65,16 +65,27 @@ public:
 
     // Sorts the particles into the cells; zelleVon(t) gives a particle's (i, j, k).
     template <class Z> void fuellen(std::vector<T>& alle, Z zelleVon) {
-        const std::size_t n = alle.size();
+        fuellen(
+            alle.size(), [&](std::size_t p) { return zelleVon(alle[p]); },
+            [&](std::size_t p) { return std::pair(alle[p].r.data(), alle[p].v.data()); }, nullptr);
+    }
+
+    // Sorts n particles into the cells: zelleVon(p) gives particle p's
+    // (i, j, k), lage(p) pointers to its position and velocity. Within a
+    // cell the particles come in the order `folge` lists them (null: p = 0,
+    // 1, ...), the order of the particles of a distributed run's own slab
+    // and its ghosts merged by global index.
+    template <class Z, class L>
+    void fuellen(std::size_t n, Z zelleVon, L lage, const std::uint32_t* folge) {
         for (auto* a : {&x, &y, &z, &vx, &vy, &vz})
             a->resize(n);
         index.resize(n);
         slot.resize(n);
         ijk.resize(n);
         if (dicht)
-            sortiereDicht(alle, zelleVon);
+            sortiereDicht(n, zelleVon, lage, folge);
         else
-            sortiereDuenn(alle, zelleVon);
+            sortiereDuenn(n, zelleVon, lage, folge);
     }
 
     // Calls f(a, e) for runs of slots a .. e-1 that, one after the other,
@@ -188,7 +199,6 @@ private:
     std::vector<std::uint32_t> blocksumme; // dense: scratch of the running sums
     std::vector<std::pair<Index, std::uint32_t>> nachZelle; // sparse: (cell, particle)
 
-    // Slots of cell (i, j, k), empty when it holds no particle.
     // Slots of the cells (i, j, k0) .. (i, j, k1), consecutive in (i, j, k)
     // order and so in slot order; empty when they hold no particle.
     std::pair<std::uint32_t, std::uint32_t> bereich(int i, int j, int k0, int k1) const {
@@ -215,30 +225,31 @@ private:
         return {it->anfang, it->ende};
     }
 
-    void setze(std::uint32_t s, const T& t, std::size_t p, const Index& c) {
+    template <class L> void setze(std::uint32_t s, L& lage, std::size_t p, const Index& c) {
+        const auto [r, v] = lage(p);
         ijk[s] = c;
-        x[s] = t.r[0];
-        y[s] = t.r[1];
-        z[s] = t.r[2];
-        vx[s] = t.v[0];
-        vy[s] = t.v[1];
-        vz[s] = t.v[2];
+        x[s] = r[0];
+        y[s] = r[1];
+        z[s] = r[2];
+        vx[s] = v[0];
+        vy[s] = v[1];
+        vz[s] = v[2];
         index[s] = static_cast<std::uint32_t>(p);
         slot[p] = s;
     }
 
-    // Counting sort over the table of cells.
     // Counting sort over the table of cells: the counts, their running sum
     // (anfang[c] = the end of cell c), and the particles placed from the last
     // to the first, each one place before the end of its cell, so that a
     // cell lists its particles in vector order and anfang[c] ends at the
     // start of cell c. The sums are of integers: exact in any grouping, so
     // the table's passes run on all threads.
-    template <class Z> void sortiereDicht(std::vector<T>& alle, Z zelleVon) {
-        const std::size_t n = alle.size(), zellen = anfang.size() - 1;
+    template <class Z, class L>
+    void sortiereDicht(std::size_t n, Z& zelleVon, L& lage, const std::uint32_t* folge) {
+        const std::size_t zellen = anfang.size() - 1;
         zelleVonSlot.resize(n);
         scheibe::fuerAlle(n, 10, [&](std::size_t p) {
-            const Index c = zelleVon(alle[p]);
+            const Index c = zelleVon(p);
             zelleVonSlot[p] = zelle(c[0], c[1], c[2]);
         });
         std::uint32_t* a = anfang.data();
@@ -247,26 +258,33 @@ private:
             ++a[zelleVonSlot[p]];
         scheibe::laufendeSumme(a, zellen, blocksumme);
         a[zellen] = static_cast<std::uint32_t>(n);
-        for (std::size_t p = n; p-- > 0;)
-            slot[p] = --a[zelleVonSlot[p]];
+        if (folge)
+            for (std::size_t k = n; k-- > 0;)
+                slot[folge[k]] = --a[zelleVonSlot[folge[k]]];
+        else
+            for (std::size_t p = n; p-- > 0;)
+                slot[p] = --a[zelleVonSlot[p]];
         scheibe::fuerAlle(n, 10, [&](std::size_t p) {
             const std::size_t c = zelleVonSlot[p];
             const Index z{int(c / (std::size_t(ny) * std::size_t(nz))),
                           int(c / std::size_t(nz) % std::size_t(ny)), int(c % std::size_t(nz))};
-            setze(slot[p], alle[p], p, z);
+            setze(slot[p], lage, p, z);
         });
     }
 
     // Sort by (cell, particle index), then the list of occupied cells.
-    template <class Z> void sortiereDuenn(std::vector<T>& alle, Z zelleVon) {
-        const std::size_t n = alle.size();
+    template <class Z, class L>
+    void sortiereDuenn(std::size_t n, Z& zelleVon, L& lage, const std::uint32_t* folge) {
         nachZelle.resize(n);
-        for (std::size_t p = 0; p < n; ++p)
-            nachZelle[p] = {zelleVon(alle[p]), static_cast<std::uint32_t>(p)};
+        for (std::size_t k = 0; k < n; ++k) {
+            const std::uint32_t p = folge ? folge[k] : static_cast<std::uint32_t>(k);
+            nachZelle[k] = {zelleVon(p), static_cast<std::uint32_t>(k)};
+        }
         std::sort(nachZelle.begin(), nachZelle.end());
         belegt.clear();
         for (std::uint32_t s = 0; s < n; ++s) {
-            setze(s, alle[nachZelle[s].second], nachZelle[s].second, nachZelle[s].first);
+            const std::uint32_t k = nachZelle[s].second, p = folge ? folge[k] : k;
+            setze(s, lage, p, nachZelle[s].first);
             if (belegt.empty() || belegt.back().ijk != nachZelle[s].first)
                 belegt.push_back({nachZelle[s].first, s, s});
             belegt.back().ende = s + 1;

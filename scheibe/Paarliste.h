@@ -2,6 +2,7 @@
 
 #include "physik/Kernel1.h"
 #include "physik/Vektor.h"
+#include "scheibe/Verteilung.h"
 #include "scheibe/Vorrat.h"
 
 #include <algorithm>
@@ -72,6 +73,13 @@ public:
     // Passes of the gas discs already done since the search, and the terms
     // asked for so far (the first pass of an evaluation forms them all).
     unsigned erledigt = 0, gefragt = 0;
+    // A run spread over processes (null: the whole disc is here): own
+    // particles 0 .. eigene-1, then the ghosts; scratch of the binning.
+    Verteilung* verteilung = nullptr;
+    std::size_t eigene = 0;
+    std::vector<int> ebene;                   // cell plane of each own particle
+    std::vector<std::uint32_t> geisterFolge;  // ghosts by global index
+    std::vector<std::uint32_t> folge;         // own particles and ghosts merged by global index
 
     // S = 1 + the sum of the kernel values (without fak) of slot s's pairs
     // in list order, each formed anew from the two positions.

@@ -32,6 +32,8 @@ public:
     void odeint_init(AkkScheibe& other) override;
     void odeint_assign(AkkScheibe& other) override;
     void fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) override;
+    void ordne_teilchen(const std::vector<long long>& folge, const std::vector<Vektor3>& r,
+                        const std::vector<Vektor3>& v) override;
     void add_press(PhysSystem& phys) override;
     void add_artvisc(PhysSystem& phys) override;
     // Adds the viscous acceleration to every particle.

@@ -36,7 +36,11 @@ void PressArtviscAkkScheibe::odeint_assign(AkkScheibe& other) {
     scheibe::_odeint_assign(*this, other);
 }
 void PressArtviscAkkScheibe::fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) {
-    scheibe::_append(teilchen, r, v);
+    scheibe::_append(*this, teilchen, r, v);
+}
+void PressArtviscAkkScheibe::ordne_teilchen(const std::vector<long long>& folge, const std::vector<Vektor3>& r,
+                         const std::vector<Vektor3>& v) {
+    scheibe::_ordne(teilchen, folge, r, v);
 }
 void PressArtviscAkkScheibe::add_press(PhysSystem& phys) {
     scheibe::_add_press(teilchen, *gitter, ww.get(), phys);

@@ -153,6 +153,22 @@ template <class T, class F> void _proTeilchen(std::vector<T>& teilchen, const Gi
     fuerAlle(n, 2, [&](std::size_t i) { f(teilchen[i], g.slot[i]); });
 }
 
+// Hands the ghosts what their partners here read of them: k doubles per
+// particle of `feld` by slot, from the processes that own them.
+template <class T, class F>
+void _geisterWerte(Partnerliste& ww, const Gitter<T>& g, std::size_t k, F feld) {
+    if (!ww.verteilung)
+        return;
+    const std::size_t n = ww.eigene;
+    ww.verteilung->werteTauschen(
+        k,
+        [&](std::size_t i, double* w) {
+            const double* q = feld(g.slot[i]);
+            std::copy(q, q + k, w);
+        },
+        [&](std::size_t j, const double* w) { std::copy(w, w + k, feld(g.slot[n + j])); });
+}
+
 // Forms the term `term` of this evaluation unless done: the first call after
 // a pair search forms every term asked for so far in one pass over the
 // pairs, so that a disc with several forces reads its pairs once.
@@ -173,6 +189,9 @@ void _gaspass(std::vector<T>& teilchen, const Gitter<T>& g, Paarliste<W>& ww, un
         ww.sigma.resize(n);
     }
     _proSlot(ww, n, kosten::gas, [&](std::uint32_t x) { _gasterme(ww, x, terme, phys); });
+    // The viscous accelerations read the partners' tensors, the ghosts' too.
+    if (terme & scherung)
+        _geisterWerte(ww, g, 6, [&](std::uint32_t x) { return ww.sigma[x].data(); });
     _proTeilchen(teilchen, g, [&](T& t, std::uint32_t x) {
         if (terme & druck)
             t.aPress = ww.aPress[x];

@@ -9,6 +9,7 @@
 #include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
 #include "scheibe/Ganzzahl.h"
+#include "scheibe/Verteilung.h"
 
 #include <cstddef>
 #include <fstream>
@@ -118,10 +119,31 @@ template <class P> void _erase(std::vector<P>& teilchen, int i) {
 // driver evaluates the forces, and with them force_init, before the particle
 // is stepped. Growing the vector may move the particles, which is safe
 // between steps, since pairs are valid only until the next force_init.
-template <class P> void _append(std::vector<P>& teilchen, const Vektor3& r, const Vektor3& v) {
+// In a run spread over processes only the process whose slab holds r keeps it.
+template <class P>
+void _append(AkkScheibe& disc, std::vector<P>& teilchen, const Vektor3& r, const Vektor3& v) {
+    if (disc.verteilung && !disc.verteilung->aufnehmen(r))
+        return;
     P& t = teilchen.emplace_back();
     t.r = r;
     t.v = v;
+}
+
+// The particles rearranged (AkkScheibe::ordne_teilchen); unused capacity is
+// given back, since a process that handed particles away may keep far fewer.
+template <class P>
+void _ordne(std::vector<P>& teilchen, const std::vector<long long>& folge,
+            const std::vector<Vektor3>& r, const std::vector<Vektor3>& v) {
+    std::vector<P> neu(folge.size());
+    for (std::size_t k = 0; k < folge.size(); ++k) {
+        if (folge[k] >= 0) {
+            neu[k] = teilchen[std::size_t(folge[k])];
+        } else {
+            neu[k].r = r[std::size_t(-folge[k] - 1)];
+            neu[k].v = v[std::size_t(-folge[k] - 1)];
+        }
+    }
+    teilchen.swap(neu);
 }
 
 template <class P>

@@ -38,4 +38,6 @@ public:
     void odeint_init(AkkScheibe& other) override;
     void odeint_assign(AkkScheibe& other) override;
     void fuege_teilchen_hinzu(const Vektor3& r, const Vektor3& v) override;
+    void ordne_teilchen(const std::vector<long long>& folge, const std::vector<Vektor3>& r,
+                        const std::vector<Vektor3>& v) override;
 };

@@ -69,15 +69,58 @@ void _init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter, Ini
                    zellenzahl(disc.max[2] - disc.min[2], disc.h), teilchen.size());
 }
 
-// Sorts the particles into the grid's cells, in vector order.
-template <class T> void _binne(const SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g) {
+// Sorts the particles into the grid's cells, in vector order. In a run
+// spread over processes the grid holds the own particles and, as ghosts,
+// the other processes' particles in the planes next to theirs: within a
+// cell all come in global order, as in the whole disc.
+template <class T>
+void _binne(const SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Partnerliste& ww) {
     const double h = disc.h;
     const double* min = disc.min.data();
-    g.fuellen(teilchen, [&](const T& t) {
-        return typename Gitter<T>::Index{zelle(t.r[0], min[0], h, g.nx),
-                                         zelle(t.r[1], min[1], h, g.ny),
-                                         zelle(t.r[2], min[2], h, g.nz)};
+    auto zelleVon = [&](const double* r) {
+        return typename Gitter<T>::Index{zelle(r[0], min[0], h, g.nx), zelle(r[1], min[1], h, g.ny),
+                                         zelle(r[2], min[2], h, g.nz)};
+    };
+    Verteilung* vt = disc.verteilung;
+    ww.verteilung = vt;
+    ww.eigene = teilchen.size();
+    if (!vt) {
+        g.fuellen(teilchen, [&](const T& t) { return zelleVon(t.r.data()); });
+        return;
+    }
+    const std::size_t n = teilchen.size();
+    ww.ebene.resize(n);
+    for (std::size_t i = 0; i < n; ++i)
+        ww.ebene[i] = zelle(teilchen[i].r[0], min[0], h, g.nx);
+    vt->geisterHolen(ww.ebene, [&](std::size_t i, double* rv) {
+        for (int c = 0; c < 3; ++c) {
+            rv[c] = teilchen[i].r[c];
+            rv[3 + c] = teilchen[i].v[c];
+        }
     });
+    // Own particles (0 .. n-1, in global order) and ghosts (n + j) merged by
+    // global index.
+    const std::size_t m = vt->geister();
+    ww.geisterFolge.resize(m);
+    for (std::size_t j = 0; j < m; ++j)
+        ww.geisterFolge[j] = std::uint32_t(j);
+    std::sort(ww.geisterFolge.begin(), ww.geisterFolge.end(),
+              [&](std::uint32_t a, std::uint32_t b) { return vt->geistIndex(a) < vt->geistIndex(b); });
+    ww.folge.resize(n + m);
+    for (std::size_t i = 0, j = 0, k = 0; k < n + m; ++k) {
+        if (j < m && (i == n || vt->geistIndex(ww.geisterFolge[j]) < vt->index(i)))
+            ww.folge[k] = std::uint32_t(n + ww.geisterFolge[j++]);
+        else
+            ww.folge[k] = std::uint32_t(i++);
+    }
+    g.fuellen(
+        n + m,
+        [&](std::size_t p) { return zelleVon(p < n ? teilchen[p].r.data() : vt->geistRV(p - n)); },
+        [&](std::size_t p) {
+            return p < n ? std::pair(teilchen[p].r.data(), teilchen[p].v.data())
+                         : std::pair(vt->geistRV(p - n), vt->geistRV(p - n) + 3);
+        },
+        ww.folge.data());
 }
 
 // Scratch of one thread's pair search, kept between evaluations.
@@ -105,8 +148,9 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
     const std::size_t n = teilchen.size();
     // Work of the last search, to decide whether the threads pay.
     const double arbeit = double(ww.eintraege > n ? ww.eintraege : n);
-    _binne(disc, teilchen, g);
-    ww.beginne(n);
+    _binne(disc, teilchen, g, ww);
+    const std::size_t slots = g.index.size(); // with the ghosts of a distributed run
+    ww.beginne(slots);
     ww.x = g.x.data();
     ww.y = g.y.data();
     ww.z = g.z.data();
@@ -117,17 +161,20 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
     const double h2 = disc.h2, h = phys.h, hh = 0.01 * (h * h);
     const double *X = g.x.data(), *Y = g.y.data(), *Z = g.z.data();
     const double *VX = g.vx.data(), *VY = g.vy.data(), *VZ = g.vz.data();
-    const std::size_t bloecke = ww.anzahlBloecke(n);
+    const std::size_t bloecke = ww.anzahlBloecke(slots);
     fuerBloecke(bloecke, lohnt(arbeit * kosten::suche), [&](std::size_t b) {
         static thread_local Suchpuffer puffer;
         Partnerliste::Block& bl = ww.bloecke[b];
         bl.leeren();
         const std::uint32_t s0 = std::uint32_t(b * Partnerliste::blockgroesse);
-        const std::uint32_t s1 = std::uint32_t(std::min(n, (b + 1) * Partnerliste::blockgroesse));
+        const std::uint32_t s1 =
+            std::uint32_t(std::min(slots, (b + 1) * Partnerliste::blockgroesse));
         bl.anfang.resize(Partnerliste::blockgroesse + 1);
         for (std::uint32_t x = s0; x < s1; ++x) {
             const std::size_t basis = bl.belegt;
             bl.anfang[x - s0] = std::uint32_t(basis);
+            if (g.index[x] >= n)
+                continue; // a ghost: its own process forms its sums
             const double xx = X[x], yy = Y[x], zz = Z[x];
             // The candidates closer than h, in order. Separations partner -
             // self: the pair's own for its first partner, negated for its
@@ -201,6 +248,7 @@ void _createww(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, Paar
         }
         bl.anfang[s1 - s0] = std::uint32_t(bl.belegt);
     });
+    _geisterWerte(ww, g, 4, [&](std::uint32_t x) { return &ww.gas[x].rho; });
     // The particle records, in their own order: accelerations to zero, the
     // view of their pairs, density and equation of state.
     fuerAlle(n, kosten::teilchen, [&](std::size_t i) {
@@ -229,7 +277,9 @@ template <class T, class W>
 void _force_init(SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& gitter, Paarliste<W>& ww,
                  PhysSystem& phys) {
     _createww(disc, teilchen, gitter, ww, phys);
-    std::cout << "Anzahl WWPartnern: " << static_cast<unsigned>(ww.paare()) << '\n';
+    // Each process lists the pairs of its own particles: the sum is the disc's.
+    const std::size_t paare = disc.verteilung ? disc.verteilung->summe(ww.eintraege) / 2 : ww.paare();
+    std::cout << "Anzahl WWPartnern: " << static_cast<unsigned>(paare) << '\n';
 }
 
 // The disc's pairs as records in pair-list order, each filled by its own

@@ -13,6 +13,7 @@
 #include "physik/Kernel1.h"
 #include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
+#include "scheibe/Verteilung.h"
 
 #include <iostream>
 #include <vector>
@@ -63,6 +64,9 @@ bool SimulationConsole::aufbauen() {
         std::cout << "Fehler: SPH-Kr\xe4" "fte brauchen einen Kernel (Kern1) !\n";
         return false;
     }
+    // Each process keeps its slab, before the stepper copies the disc.
+    if (verteilung && !verteilung->verteilen(*scheibe))
+        return false;
 
     if (initOdeint->odeintArt == 0) {
         odeint = new RungeKutta(*scheibe, *initOdeint);

@@ -1,0 +1,343 @@
+#include "verteilt/Verteilt.h"
+
+#include "scheibe/AkkScheibe.h"
+#include "scheibe/SphAkkScheibe.h"
+#include "scheibe/SphTemplates.h"
+
+#include <algorithm>
+#include <iostream>
+
+Verteilt::Verteilt(MPI_Comm k) : komm(k) {
+    MPI_Comm_rank(komm, &ich);
+    MPI_Comm_size(komm, &anzahl);
+    sendeZahl.assign(std::size_t(anzahl), 0);
+    empfangsZahl.assign(std::size_t(anzahl), 0);
+}
+
+int Verteilt::ebeneVon(const Vektor3& r) const {
+    return gitter ? scheibe::zelle(r[0], xmin, h, nx) : 0;
+}
+
+int Verteilt::besitzer(int ebene) const {
+    return int(std::upper_bound(ab.begin() + 1, ab.end(), ebene) - (ab.begin() + 1));
+}
+
+// Boundary r is the first plane at which the particles before it reach r/P
+// of all (integers, so every process draws the same slabs); every process
+// gets at least one plane.
+void Verteilt::schneiden(const std::vector<std::uint64_t>& proEbene) {
+    std::vector<std::uint64_t> vor(std::size_t(nx) + 1, 0); // particles in the planes before p
+    for (int p = 0; p < nx; ++p)
+        vor[std::size_t(p) + 1] = vor[std::size_t(p)] + proEbene[std::size_t(p)];
+    const std::uint64_t N = vor[std::size_t(nx)], P = std::uint64_t(anzahl);
+    ab.assign(std::size_t(anzahl) + 1, 0);
+    ab[std::size_t(anzahl)] = nx;
+    for (int r = 1; r < anzahl; ++r) {
+        int p = ab[std::size_t(r) - 1] + 1;
+        while (p < nx - (anzahl - r) && vor[std::size_t(p)] * P < std::uint64_t(r) * N)
+            ++p;
+        ab[std::size_t(r)] = p;
+    }
+}
+
+bool Verteilt::verteilen(AkkScheibe& scheibe) {
+    // The planes of the disc's grid (each disc class keeps a grid of its own
+    // particle type, laid out alike).
+    if (auto* sph = dynamic_cast<SphAkkScheibe*>(&scheibe); sph && sph->min.size() == 3) {
+        xmin = sph->min[0];
+        h = sph->h;
+        nx = scheibe::zellenzahl(sph->max[0] - sph->min[0], sph->h);
+        gitter = true;
+    }
+    if (gitter && anzahl > nx) {
+        std::cout << "Fehler: " << anzahl << " Prozesse, aber nur " << nx
+                  << " Zellebenen: h\xf6" "chstens eine Ebene je Prozess !\n";
+        return false;
+    }
+    const std::size_t n = std::size_t(scheibe.tanz());
+    alle = n;
+    std::vector<int> ebene(n);
+    std::vector<std::uint64_t> proEbene(std::size_t(nx), 0);
+    for (std::size_t i = 0; i < n; ++i) {
+        ebene[i] = ebeneVon(scheibe[int(i)].r);
+        ++proEbene[std::size_t(ebene[i])];
+    }
+    schneiden(proEbene);
+    std::vector<long long> folge;
+    global.clear();
+    for (std::size_t i = 0; i < n; ++i)
+        if (besitzer(ebene[i]) == ich) {
+            folge.push_back((long long)i);
+            global.push_back(i);
+        }
+    scheibe.ordne_teilchen(folge, {}, {});
+    scheibe.verteilung = this;
+    return true;
+}
+
+void Verteilt::tauschen(std::size_t k, const std::vector<double>& aus, std::vector<double>& ein) {
+    const std::size_t P = std::size_t(anzahl);
+    std::vector<int> sz(P), sv(P), ez(P),
+        ev(P);
+    int s = 0, e = 0;
+    for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
+        sz[q] = sendeZahl[q] * int(k);
+        sv[q] = s;
+        s += sz[q];
+        ez[q] = empfangsZahl[q] * int(k);
+        ev[q] = e;
+        e += ez[q];
+    }
+    ein.resize(std::size_t(e));
+    MPI_Alltoallv(aus.data(), sz.data(), sv.data(), MPI_DOUBLE, ein.data(), ez.data(), ev.data(),
+                  MPI_DOUBLE, komm);
+}
+
+void Verteilt::geisterHolen(const std::vector<int>& ebene,
+                            const std::function<void(std::size_t, double*)>& lies) {
+    const std::size_t n = ebene.size();
+    // The planes this process needs: those of its particles and one on either side.
+    int lo = 1, hi = 0;
+    if (n > 0) {
+        const auto [a, b] = std::minmax_element(ebene.begin(), ebene.end());
+        lo = *a - 1;
+        hi = *b + 1;
+    }
+    const int meins[2] = {lo, hi};
+    std::vector<int> bereiche(2 * std::size_t(anzahl));
+    MPI_Allgather(meins, 2, MPI_INT, bereiche.data(), 2, MPI_INT, komm);
+    // For each plane of the own particles, the other processes that need it.
+    const int e0 = n > 0 ? lo + 1 : 0, e1 = n > 0 ? hi - 1 : -1;
+    std::vector<std::vector<int>> bedarf(std::size_t(std::max(0, e1 - e0 + 1)));
+    for (int q = 0; q < anzahl; ++q) {
+        if (q == ich)
+            continue;
+        const int a = std::max(bereiche[2 * std::size_t(q)], e0),
+                  b = std::min(bereiche[2 * std::size_t(q) + 1], e1);
+        for (int p = a; p <= b; ++p)
+            bedarf[std::size_t(p - e0)].push_back(q);
+    }
+    // The own particles each process needs, grouped by process, each group
+    // in global order.
+    std::fill(sendeZahl.begin(), sendeZahl.end(), 0);
+    for (std::size_t i = 0; i < n; ++i)
+        for (int q : bedarf[std::size_t(ebene[i] - e0)])
+            ++sendeZahl[std::size_t(q)];
+    std::vector<int> stelle(std::size_t(anzahl), 0);
+    for (std::size_t q = 1; q < std::size_t(anzahl); ++q)
+        stelle[q] = stelle[q - 1] + sendeZahl[q - 1];
+    gesendet.resize(std::size_t(stelle.back() + sendeZahl.back()));
+    for (std::size_t i = 0; i < n; ++i)
+        for (int q : bedarf[std::size_t(ebene[i] - e0)])
+            gesendet[std::size_t(stelle[std::size_t(q)]++)] = std::uint32_t(i);
+    MPI_Alltoall(sendeZahl.data(), 1, MPI_INT, empfangsZahl.data(), 1, MPI_INT, komm);
+    puffer.resize(7 * gesendet.size());
+    for (std::size_t s = 0; s < gesendet.size(); ++s) {
+        lies(gesendet[s], &puffer[7 * s]);
+        puffer[7 * s + 6] = double(global[gesendet[s]]); // exact below 2^53
+    }
+    tauschen(7, puffer, eingang);
+    gesendeteGeisterwerte += puffer.size();
+    const std::size_t m = eingang.size() / 7;
+    geistWerte.resize(6 * m);
+    geistIdx.resize(m);
+    for (std::size_t j = 0; j < m; ++j) {
+        std::copy(&eingang[7 * j], &eingang[7 * j] + 6, &geistWerte[6 * j]);
+        geistIdx[j] = std::uint64_t(eingang[7 * j + 6]);
+    }
+}
+
+void Verteilt::werteTauschen(std::size_t k, const std::function<void(std::size_t, double*)>& lies,
+                             const std::function<void(std::size_t, const double*)>& schreibe) {
+    puffer.resize(k * gesendet.size());
+    for (std::size_t s = 0; s < gesendet.size(); ++s)
+        lies(gesendet[s], &puffer[k * s]);
+    tauschen(k, puffer, eingang);
+    gesendeteGeisterwerte += puffer.size();
+    for (std::size_t j = 0; j < geistIdx.size(); ++j)
+        schreibe(j, &eingang[k * j]);
+}
+
+std::uint64_t Verteilt::summe(std::uint64_t wert) {
+    std::uint64_t s = 0;
+    MPI_Allreduce(&wert, &s, 1, MPI_UINT64_T, MPI_SUM, komm);
+    return s;
+}
+
+double Verteilt::maximum(double wert) {
+    double m = 0;
+    MPI_Allreduce(&wert, &m, 1, MPI_DOUBLE, MPI_MAX, komm);
+    return m;
+}
+
+double Verteilt::minimum(double wert) {
+    double m = 0;
+    MPI_Allreduce(&wert, &m, 1, MPI_DOUBLE, MPI_MIN, komm);
+    return m;
+}
+
+std::vector<Verteilung::Entfernt>
+Verteilt::entferne(AkkScheibe& scheibe, const std::function<bool(const Teilchen&, double&)>& raus) {
+    std::vector<double> meine; // (global index, squared distance) of each own removal
+    std::size_t i = 0;
+    while (i < std::size_t(scheibe.tanz())) {
+        double abstand = 0;
+        if (raus(scheibe[int(i)], abstand)) {
+            meine.push_back(double(global[i]));
+            meine.push_back(abstand);
+            scheibe.entferne_teilchen(int(i));
+            global.erase(global.begin() + std::ptrdiff_t(i));
+        } else {
+            ++i;
+        }
+    }
+    const int zahl = int(meine.size());
+    std::vector<int> zahlen(ab.size() - 1), anfang(ab.size() - 1);
+    MPI_Allgather(&zahl, 1, MPI_INT, zahlen.data(), 1, MPI_INT, komm);
+    int gesamtZahl = 0;
+    for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
+        anfang[q] = gesamtZahl;
+        gesamtZahl += zahlen[q];
+    }
+    std::vector<double> alleWeg(static_cast<std::size_t>(gesamtZahl));
+    MPI_Allgatherv(meine.data(), zahl, MPI_DOUBLE, alleWeg.data(), zahlen.data(), anfang.data(),
+                   MPI_DOUBLE, komm);
+    std::vector<Entfernt> weg(alleWeg.size() / 2);
+    for (std::size_t k = 0; k < weg.size(); ++k)
+        weg[k] = {std::uint64_t(alleWeg[2 * k]), alleWeg[2 * k + 1]};
+    std::sort(weg.begin(), weg.end(),
+              [](const Entfernt& a, const Entfernt& b) { return a.index < b.index; });
+    // The indices close up behind the removed particles.
+    std::size_t k = 0;
+    for (auto& g : global) {
+        while (k < weg.size() && weg[k].index < g)
+            ++k;
+        g -= k;
+    }
+    alle -= weg.size();
+    return weg;
+}
+
+std::vector<Teilchen> Verteilt::sammeln(AkkScheibe& scheibe) {
+    const std::size_t n = std::size_t(scheibe.tanz());
+    puffer.resize(7 * n);
+    for (std::size_t i = 0; i < n; ++i) {
+        const Teilchen& t = scheibe[int(i)];
+        puffer[7 * i] = double(global[i]);
+        std::copy(t.r.begin(), t.r.end(), &puffer[7 * i + 1]);
+        std::copy(t.v.begin(), t.v.end(), &puffer[7 * i + 4]);
+    }
+    const int zahl = int(puffer.size());
+    std::vector<int> zahlen(ab.size() - 1), anfang(ab.size() - 1);
+    MPI_Gather(&zahl, 1, MPI_INT, zahlen.data(), 1, MPI_INT, 0, komm);
+    int summe = 0;
+    for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
+        anfang[q] = summe;
+        summe += zahlen[q];
+    }
+    std::vector<double> ein(ich == 0 ? std::size_t(summe) : 0);
+    MPI_Gatherv(puffer.data(), zahl, MPI_DOUBLE, ein.data(), zahlen.data(), anfang.data(),
+                MPI_DOUBLE, 0, komm);
+    std::vector<Teilchen> alleTeilchen(ich == 0 ? std::size_t(alle) : 0);
+    for (std::size_t s = 0; s + 7 <= ein.size(); s += 7) {
+        Teilchen& t = alleTeilchen[std::size_t(ein[s])];
+        std::copy(&ein[s + 1], &ein[s + 4], t.r.begin());
+        std::copy(&ein[s + 4], &ein[s + 7], t.v.begin());
+    }
+    return alleTeilchen;
+}
+
+void Verteilt::ausgeben(AkkScheibe& scheibe, PhysSystem& phys) {
+    std::vector<Teilchen> alleTeilchen = sammeln(scheibe);
+    if (ich != 0)
+        return;
+    AkkScheibe ganz;
+    ganz.name = scheibe.name;
+    ganz.zeit = scheibe.zeit;
+    ganz.teilchen = std::move(alleTeilchen);
+    ganz.output(phys);
+}
+
+bool Verteilt::aufnehmen(const Vektor3& r) {
+    const std::uint64_t g = alle++;
+    if (besitzer(ebeneVon(r)) != ich)
+        return false;
+    global.push_back(g);
+    return true;
+}
+
+void Verteilt::umverteilen(AkkScheibe& scheibe, bool ausgleichen) {
+    const std::size_t n = std::size_t(scheibe.tanz());
+    std::vector<int> ebene(n);
+    for (std::size_t i = 0; i < n; ++i)
+        ebene[i] = ebeneVon(scheibe[int(i)].r);
+    if (ausgleichen) {
+        std::vector<std::uint64_t> meine(std::size_t(nx), 0), proEbene(std::size_t(nx), 0);
+        for (int e : ebene)
+            ++meine[std::size_t(e)];
+        MPI_Allreduce(meine.data(), proEbene.data(), nx, MPI_UINT64_T, MPI_SUM, komm);
+        schneiden(proEbene);
+    }
+    // The particles that leave, grouped by their new process.
+    std::fill(sendeZahl.begin(), sendeZahl.end(), 0);
+    std::vector<int> ziel(n);
+    std::size_t gehen = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        ziel[i] = besitzer(ebene[i]);
+        if (ziel[i] != ich) {
+            ++sendeZahl[std::size_t(ziel[i])];
+            ++gehen;
+        }
+    }
+    MPI_Alltoall(sendeZahl.data(), 1, MPI_INT, empfangsZahl.data(), 1, MPI_INT, komm);
+    std::vector<int> stelle(std::size_t(anzahl), 0);
+    for (std::size_t q = 1; q < std::size_t(anzahl); ++q)
+        stelle[q] = stelle[q - 1] + sendeZahl[q - 1];
+    puffer.resize(7 * gehen);
+    for (std::size_t i = 0; i < n; ++i) {
+        if (ziel[i] == ich)
+            continue;
+        double* b = &puffer[7 * std::size_t(stelle[std::size_t(ziel[i])]++)];
+        const Teilchen& t = scheibe[int(i)];
+        b[0] = double(global[i]);
+        std::copy(t.r.begin(), t.r.end(), b + 1);
+        std::copy(t.v.begin(), t.v.end(), b + 4);
+    }
+    tauschen(7, puffer, eingang);
+    const std::size_t kommen = eingang.size() / 7;
+    if (gehen == 0 && kommen == 0)
+        return;
+    // The staying particles and the arrivals, merged by global index.
+    std::vector<std::size_t> neu(kommen);
+    for (std::size_t j = 0; j < kommen; ++j)
+        neu[j] = j;
+    std::sort(neu.begin(), neu.end(),
+              [&](std::size_t a, std::size_t b) { return eingang[7 * a] < eingang[7 * b]; });
+    std::vector<long long> folge;
+    std::vector<Vektor3> r(kommen), v(kommen);
+    std::vector<std::uint64_t> globalNeu;
+    folge.reserve(n - gehen + kommen);
+    globalNeu.reserve(n - gehen + kommen);
+    std::size_t i = 0, j = 0;
+    while (true) {
+        while (i < n && ziel[i] != ich)
+            ++i;
+        const bool hier = i < n, dort = j < kommen;
+        if (!hier && !dort)
+            break;
+        if (dort && (!hier || std::uint64_t(eingang[7 * neu[j]]) < global[i])) {
+            const double* b = &eingang[7 * neu[j]];
+            std::copy(b + 1, b + 4, r[j].begin());
+            std::copy(b + 4, b + 7, v[j].begin());
+            folge.push_back(-(long long)j - 1);
+            globalNeu.push_back(std::uint64_t(b[0]));
+            ++j;
+        } else {
+            folge.push_back((long long)i);
+            globalNeu.push_back(global[i]);
+            ++i;
+        }
+    }
+    scheibe.ordne_teilchen(folge, r, v);
+    global.swap(globalNeu);
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "physik/Vektor.h"
+#include "scheibe/Teilchen.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +10,6 @@
 
 class AkkScheibe;
 class PhysSystem;
-class Teilchen;
 
 // Where the particles of a disc live when one run is spread over several
 // processes (verteilt/). Each process owns the particles of a slab of cell
@@ -70,6 +70,9 @@ public:
     // returns the removals of all processes in global order.
     virtual std::vector<Entfernt>
     entferne(AkkScheibe& scheibe, const std::function<bool(const Teilchen&, double&)>& raus) = 0;
+    // The whole disc's particles (r and v) in global order on process 0,
+    // empty elsewhere.
+    virtual std::vector<Teilchen> sammeln(AkkScheibe& scheibe) = 0;
     // Writes the snapshot of the whole disc (process 0, in global order).
     virtual void ausgeben(AkkScheibe& scheibe, PhysSystem& phys) = 0;
     // A particle appended at r: true when it is this process's.

@@ -2,6 +2,7 @@
 
 #include "physik/PhysSystem.h"
 #include "scheibe/AkkScheibe.h"
+#include "scheibe/Verteilung.h"
 
 #include <chrono>
 #include <cmath>
@@ -42,7 +43,7 @@ std::string Fortschritt::zeile(double jetzt) const {
     std::ostringstream z;
     z.imbue(std::locale::classic());
     const double t = scheibe->t();
-    z << "t " << t << " s (" << t / phys->periode << " Bahnen), " << scheibe->tanz()
+    z << "t " << t << " s (" << t / phys->periode << " Bahnen), " << (scheibe->verteilung ? (long long)scheibe->verteilung->gesamt() : scheibe->tanz())
       << " Teilchen, ";
     // Steps per second over the time since the last refresh: the step size of
     // a disc changes over a run, an average from the start would lag behind.

@@ -1,5 +1,7 @@
 #include "strom/Sicherung.h"
 
+#include "scheibe/Verteilung.h"
+
 #include "scheibe/AkkScheibe.h"
 #include "strom/Stromquelle.h"
 
@@ -159,6 +161,18 @@ bool Sicherung::pruefsumme(const std::string& name, std::uint64_t& summe) {
 }
 
 std::string Sicherung::schreibe(const Odeint& odeint, AkkScheibe& scheibe) const {
+    // The whole disc in its order: in a run spread over processes, process
+    // 0 gathers it and writes the file alone.
+    std::vector<Teilchen> ganz;
+    if (scheibe.verteilung) {
+        ganz = scheibe.verteilung->sammeln(scheibe);
+        if (scheibe.verteilung->rang() != 0)
+            return "";
+    } else {
+        ganz.reserve(static_cast<std::size_t>(scheibe.tanz()));
+        for (int i = 0; i < scheibe.tanz(); ++i)
+            ganz.push_back(scheibe[i]);
+    }
     const std::string neu = datei + ".neu";
     const int fd = ::open(neu.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0)
@@ -176,10 +190,9 @@ std::string Sicherung::schreibe(const Odeint& odeint, AkkScheibe& scheibe) const
     for (int x : {st.kout, st.nstp, st.remove_count, st.nok, st.nbad})
         w.zahl(static_cast<std::int32_t>(x));
     w.zahl(scheibe.t());
-    const std::uint64_t n = static_cast<std::uint64_t>(scheibe.tanz());
+    const std::uint64_t n = static_cast<std::uint64_t>(ganz.size());
     w.zahl(n);
-    for (int i = 0; i < scheibe.tanz(); ++i) {
-        const Teilchen& t = scheibe[i];
+    for (const Teilchen& t : ganz) {
         for (int k = 0; k < 3; ++k)
             w.zahl(t.r[k]);
         for (int k = 0; k < 3; ++k)
@@ -337,12 +350,19 @@ std::string Sicherung::lies(Odeint& odeint, AkkScheibe& scheibe) const {
 
     odeint.h = h;
     odeint.stand = st;
-    while (scheibe.tanz() > 0)
-        scheibe.entferne_teilchen(scheibe.tanz() - 1);
-    for (std::size_t i = 0; i < static_cast<std::size_t>(n); ++i) {
+    // The disc of the checkpoint, whole; spread anew over the processes of
+    // a distributed run, however many wrote it.
+    std::vector<long long> neu(static_cast<std::size_t>(n));
+    std::vector<Vektor3> r(neu.size()), v(neu.size());
+    for (std::size_t i = 0; i < neu.size(); ++i) {
         const double* p = &werte[6 * i];
-        scheibe.fuege_teilchen_hinzu({p[0], p[1], p[2]}, {p[3], p[4], p[5]});
+        neu[i] = -static_cast<long long>(i) - 1;
+        r[i] = {p[0], p[1], p[2]};
+        v[i] = {p[3], p[4], p[5]};
     }
+    scheibe.ordne_teilchen(neu, r, v);
+    if (scheibe.verteilung)
+        scheibe.verteilung->verteilen(scheibe);
     scheibe.t(zeit);
     quelle->t0 = stromT0;
     quelle->eingespeist = eingespeist;
@@ -359,9 +379,15 @@ bool Sicherung::anhalten(Odeint& odeint, AkkScheibe& scheibe) {
         letzteZeit = jetzt;
     signal = empfangen;
     ++schritteHier;
+    bool zeitUm = alleSekunden > 0 && jetzt - letzteZeit >= alleSekunden;
+    // The processes of a distributed run stop and write together: at a
+    // signal that any of them received, when process 0's clock says so.
+    if (Verteilung* vt = scheibe.verteilung) {
+        signal = static_cast<int>(vt->maximum(signal));
+        zeitUm = vt->maximum(vt->rang() == 0 && zeitUm ? 1.0 : 0.0) > 0;
+    }
     const bool halt = signal != 0 || (haltNach > 0 && schritteHier >= haltNach);
-    const bool faellig = halt || (alleSchritte > 0 && schritt % alleSchritte == 0) ||
-                         (alleSekunden > 0 && jetzt - letzteZeit >= alleSekunden);
+    const bool faellig = halt || (alleSchritte > 0 && schritt % alleSchritte == 0) || zeitUm;
     if (faellig) {
         const std::string fehler = schreibe(odeint, scheibe);
         geschrieben = fehler.empty();

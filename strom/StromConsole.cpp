@@ -123,6 +123,13 @@ int StromConsole::run(int argc, char** argv) {
             return 2;
         }
     }
+    // Both keep a value per particle beyond the disc's state, which the
+    // processes of a distributed run do not hand on.
+    if (verteilung && (mitLeapfrog || !lichtkurveDatei.empty())) {
+        std::cerr << "akkstrom: --integrator leapfrog und --lichtkurve rechnen nur in einem "
+                     "Prozess (ohne mpirun oder mit -np 1)\n";
+        return 2;
+    }
     const bool terminal = isatty(2) == 1;
     // The stream keys first: a run without its stream is not what was asked for.
     initStrom = new InitStrom(parameterDatei);

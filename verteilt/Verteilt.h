@@ -49,9 +49,7 @@ public:
     bool aufnehmen(const Vektor3& r) override;
     void umverteilen(AkkScheibe& scheibe, bool ausgleichen) override;
 
-    // The whole disc's particles (r and v, a zero) in global order, on
-    // process 0; empty elsewhere.
-    std::vector<Teilchen> sammeln(AkkScheibe& scheibe);
+    std::vector<Teilchen> sammeln(AkkScheibe& scheibe) override;
 
     // Slab boundaries: process r owns planes ab[r] .. ab[r + 1] - 1.
     const std::vector<int>& schichten() const { return ab; }

@@ -18,7 +18,26 @@ struct Prozesse::Stumm : std::streambuf {
     int overflow(int c) override { return c == traits_type::eof() ? 0 : c; }
 };
 
+namespace {
+// Whether an MPI launcher started this process (mpirun, mpiexec, or srun
+// through PMI or PMIx), and the process count it names (1 when none does).
+bool vomStarter() {
+    return std::getenv("OMPI_COMM_WORLD_SIZE") || std::getenv("PMI_RANK") ||
+           std::getenv("PMIX_RANK");
+}
+int gestartetMit() {
+    for (const char* name : {"OMPI_COMM_WORLD_SIZE", "PMI_SIZE", "PMIX_SIZE"})
+        if (const char* wert = std::getenv(name))
+            return std::atoi(wert);
+    return 1;
+}
+} // namespace
+
 Prozesse::Prozesse(int& argc, char**& argv) {
+    // A program started without a launcher stays one plain process: MPI is
+    // not even started, so nothing of the run differs from a build without it.
+    if (!vomStarter())
+        return;
 #ifdef AKK_MPI
     int gegeben = 0;
     MPI_Init_thread(&argc, &argv, MPI_THREAD_FUNNELED, &gegeben);
@@ -36,16 +55,14 @@ Prozesse::Prozesse(int& argc, char**& argv) {
 #else
     (void)argc;
     (void)argv;
-    // Open MPI's and MPICH's launchers name the process count.
-    for (const char* name : {"OMPI_COMM_WORLD_SIZE", "PMI_SIZE"}) {
-        const char* wert = std::getenv(name);
-        if (wert && std::atoi(wert) > 1) {
-            const char* rang = std::getenv(name[0] == 'O' ? "OMPI_COMM_WORLD_RANK" : "PMI_RANK");
-            if (!rang || std::atoi(rang) == 0)
-                std::cerr << "error: built without MPI; run one process (configure with MPI "
-                             "to spread a disc over several)\n";
-            ok = false;
-        }
+    if (gestartetMit() > 1) {
+        const char* rang = std::getenv("OMPI_COMM_WORLD_RANK");
+        if (!rang)
+            rang = std::getenv("PMI_RANK");
+        if (!rang || std::atoi(rang) == 0)
+            std::cerr << "error: built without MPI; run one process (configure with MPI "
+                         "to spread a disc over several)\n";
+        ok = false;
     }
 #endif
 }
@@ -57,7 +74,10 @@ Prozesse::~Prozesse() {
     }
 #ifdef AKK_MPI
     v.reset();
-    MPI_Finalize();
+    int gestartet = 0;
+    MPI_Initialized(&gestartet);
+    if (gestartet)
+        MPI_Finalize();
 #endif
 }
 

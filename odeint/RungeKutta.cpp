@@ -4,6 +4,7 @@
 #include "scheibe/Faeden.h"
 #include "scheibe/AkkScheibe.h"
 #include "scheibe/Verteilung.h"
+#include "scheibe/Vorrat.h"
 
 #include <cmath>
 #include <cstddef>
@@ -123,9 +124,12 @@ void RungeKutta::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& k
     // The stage storage follows the particle count (capacity is kept).
     const std::size_t anzahl = static_cast<std::size_t>(scheibe.tanz());
     ytemp->odeint_init(scheibe);
+    frischMitVorrat(yerr, anzahl);
     yerr.resize(anzahl);
-    for (auto* k : {&ak2, &ak3, &ak4, &ak5, &ak6})
+    for (auto* k : {&ak2, &ak3, &ak4, &ak5, &ak6}) {
+        frischMitVorrat(*k, anzahl);
         k->resize(anzahl);
+    }
 
     double h = this->h;
     double errmax;

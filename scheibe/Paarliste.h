@@ -77,7 +77,7 @@ public:
     // particles 0 .. eigene-1, then the ghosts; scratch of the binning.
     Verteilung* verteilung = nullptr;
     std::size_t eigene = 0;
-    std::vector<int> ebene;                   // cell plane of each own particle
+    std::vector<std::size_t> zellen;          // cell of each own particle, (i, j, k) order
     std::vector<std::uint32_t> geisterFolge;  // ghosts by global index
     std::vector<std::uint32_t> folge;         // own particles and ghosts merged by global index
 

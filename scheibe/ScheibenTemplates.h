@@ -10,6 +10,7 @@
 #include "scheibe/AkkScheibe.h"
 #include "scheibe/Ganzzahl.h"
 #include "scheibe/Verteilung.h"
+#include "scheibe/Vorrat.h"
 
 #include <cstddef>
 #include <fstream>
@@ -129,26 +130,64 @@ void _append(AkkScheibe& disc, std::vector<P>& teilchen, const Vektor3& r, const
     t.v = v;
 }
 
-// The particles rearranged (AkkScheibe::ordne_teilchen); unused capacity is
-// given back, since a process that handed particles away may keep far fewer.
+// The particles rearranged (AkkScheibe::ordne_teilchen). When the old
+// particles kept come in ascending order (a process handing a few particles
+// on and taking a few), in place: those kept move forward, then from the
+// back each lands at its place among the new ones; no second copy of the
+// disc is made. Else through a new vector, whose unused capacity is given
+// back.
 template <class P>
 void _ordne(std::vector<P>& teilchen, const std::vector<long long>& folge,
             const std::vector<Vektor3>& r, const std::vector<Vektor3>& v) {
-    std::vector<P> neu(folge.size());
-    for (std::size_t k = 0; k < folge.size(); ++k) {
-        if (folge[k] >= 0) {
-            neu[k] = teilchen[std::size_t(folge[k])];
-        } else {
-            neu[k].r = r[std::size_t(-folge[k] - 1)];
-            neu[k].v = v[std::size_t(-folge[k] - 1)];
-        }
+    auto neu = [&](P& t, long long k) {
+        t = P{};
+        t.r = r[std::size_t(-k - 1)];
+        t.v = v[std::size_t(-k - 1)];
+    };
+    std::size_t alt = 0;
+    bool aufsteigend = true;
+    for (long long k : folge) {
+        if (k < 0)
+            continue;
+        aufsteigend = aufsteigend && std::size_t(k) >= alt && std::size_t(k) < teilchen.size();
+        alt = std::size_t(k) + 1;
     }
-    teilchen.swap(neu);
+    if (!aufsteigend) {
+        std::vector<P> kopie(folge.size());
+        for (std::size_t k = 0; k < folge.size(); ++k) {
+            if (folge[k] >= 0)
+                kopie[k] = teilchen[std::size_t(folge[k])];
+            else
+                neu(kopie[k], folge[k]);
+        }
+        teilchen.swap(kopie);
+        return;
+    }
+    std::size_t behalten = 0;
+    for (long long k : folge)
+        if (k >= 0)
+            teilchen[behalten++] = teilchen[std::size_t(k)];
+    if (folge.size() > teilchen.capacity())
+        teilchen.reserve(folge.size() + folge.size() / 64);
+    teilchen.resize(folge.size());
+    for (std::size_t k = folge.size(); k-- > 0;) {
+        if (folge[k] >= 0)
+            teilchen[k] = teilchen[--behalten];
+        else
+            neu(teilchen[k], folge[k]);
+    }
+    // A process that handed most of its particles away (the start of a
+    // distributed run) gives their memory back.
+    if (teilchen.capacity() > 2 * teilchen.size() + 1024)
+        teilchen.shrink_to_fit();
 }
 
 template <class P>
 void _odeint_init(AkkScheibe& disc, std::vector<P>& teilchen, AkkScheibe& other) {
     disc.zeit = other.zeit;
+    // The count drifts (stream, removal, particles handed between processes):
+    // an eighth of room instead of doubling the stage copy.
+    frischMitVorrat(teilchen, static_cast<std::size_t>(other.tanz()));
     teilchen.resize(static_cast<std::size_t>(other.tanz()));
 }
 
@@ -166,6 +205,7 @@ template <class T> AkkScheibe* _clone(T* disc) {
 template <class T> void _odeint_assign(T& disc, AkkScheibe& other) {
     T& quelle = dynamic_cast<T&>(other);
     disc.zeit = quelle.zeit;
+    frischMitVorrat(disc.teilchen, quelle.teilchen.size());
     disc.teilchen = quelle.teilchen;
 }
 

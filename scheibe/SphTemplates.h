@@ -89,10 +89,12 @@ void _binne(const SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, P
         return;
     }
     const std::size_t n = teilchen.size();
-    ww.ebene.resize(n);
-    for (std::size_t i = 0; i < n; ++i)
-        ww.ebene[i] = zelle(teilchen[i].r[0], min[0], h, g.nx);
-    vt->geisterHolen(ww.ebene, [&](std::size_t i, double* rv) {
+    ww.zellen.resize(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        const auto c = zelleVon(teilchen[i].r.data());
+        ww.zellen[i] = g.zelle(c[0], c[1], c[2]);
+    }
+    vt->geisterHolen(ww.zellen, [&](std::size_t i, double* rv) {
         for (int c = 0; c < 3; ++c) {
             rv[c] = teilchen[i].r[c];
             rv[3 + c] = teilchen[i].v[c];

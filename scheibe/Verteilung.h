@@ -30,8 +30,12 @@ public:
 
     virtual ~Verteilung() = default;
 
-    // At the start, when every process has read the whole disc: each keeps
-    // the particles of its slab, and the disc learns of its processes.
+    // Whether this process reads the initial disc (process 0 alone; the
+    // others start from an empty one).
+    virtual bool liest() const = 0;
+    // At the start, or when a checkpoint was read: process 0's disc is the
+    // whole one; each process receives the particles of its slab (the
+    // others' discs are replaced), and the disc learns of its processes.
     // False (and a message on standard output) when the disc cannot be split
     // over this many processes.
     virtual bool verteilen(AkkScheibe& scheibe) = 0;
@@ -42,12 +46,13 @@ public:
     // Particles of all processes.
     virtual std::uint64_t gesamt() const = 0;
 
-    // Before an evaluation: the own particles' cell planes (by local index)
-    // decide which of them the other processes need; lies(i, rv) gives r and
-    // v of own particle i. Afterwards geister() particles of the other
-    // processes are at hand, with r and v (geistRV(j), six doubles) and
-    // their global indices (geistIndex(j)).
-    virtual void geisterHolen(const std::vector<int>& ebene,
+    // Before an evaluation: the own particles' cells (by local index; cell
+    // (i, j, k) of the grid is (i ny + j) nz + k) decide which of them the
+    // other processes need; lies(i, rv) gives r and v of own particle i.
+    // Afterwards geister() particles of the other processes are at hand,
+    // with r and v (geistRV(j), six doubles) and their global indices
+    // (geistIndex(j)).
+    virtual void geisterHolen(const std::vector<std::size_t>& zellen,
                               const std::function<void(std::size_t, double*)>& lies) = 0;
     virtual std::size_t geister() const = 0;
     virtual const double* geistRV(std::size_t j) const = 0;

@@ -11,3 +11,13 @@ template <class V> void mitVorrat(V& v, std::size_t n) {
     if (v.capacity() < n)
         v.reserve(n + n / 8);
 }
+
+// The same for a vector whose contents are about to be overwritten (stage
+// storage, a copy's target): the old block is freed before the new one is
+// taken, so that growing never holds both (for a large disc, the peak memory).
+template <class V> void frischMitVorrat(V& v, std::size_t n) {
+    if (v.capacity() < n) {
+        V().swap(v);
+        v.reserve(n + n / 8);
+    }
+}

@@ -5,6 +5,9 @@
 #include "scheibe/SphTemplates.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <sys/resource.h>
 #include <iostream>
 
 Verteilt::Verteilt(MPI_Comm k) : komm(k) {
@@ -12,6 +15,27 @@ Verteilt::Verteilt(MPI_Comm k) : komm(k) {
     MPI_Comm_size(komm, &anzahl);
     sendeZahl.assign(std::size_t(anzahl), 0);
     empfangsZahl.assign(std::size_t(anzahl), 0);
+}
+
+Verteilt::~Verteilt() {
+    const char* bericht = std::getenv("AKK_VERTEILT_BERICHT");
+    if (!bericht)
+        return;
+    rusage r{};
+    getrusage(RUSAGE_SELF, &r);
+    if (FILE* f = std::fopen(bericht, "a")) {
+        std::fprintf(f,
+                     "rang %d von %d: teilchen %zu ebenen %d..%d auswertungen %llu geister/auswertung "
+                     "%.1f gesendete_bytes/auswertung %.0f davon_fuer_streuner %.0f streuner/auswertung %.1f "
+                     "peak_rss_kib %ld\n",
+                     ich, anzahl, global.size(), ab.empty() ? 0 : ab[std::size_t(ich)],
+                     ab.empty() ? 0 : ab[std::size_t(ich) + 1] - 1, (unsigned long long)auswertungen,
+                     auswertungen ? double(geisterSumme) / double(auswertungen) : 0.0,
+                     auswertungen ? 8.0 * double(gesendeteGeisterwerte) / double(auswertungen) : 0.0,
+                     auswertungen ? double(extraGesendet) * 8.0 * 17.0 / double(auswertungen) : 0.0,
+                     auswertungen ? double(streuner) / double(auswertungen) : 0.0, r.ru_maxrss);
+        std::fclose(f);
+    }
 }
 
 int Verteilt::ebeneVon(const Vektor3& r) const {
@@ -47,6 +71,8 @@ bool Verteilt::verteilen(AkkScheibe& scheibe) {
         xmin = sph->min[0];
         h = sph->h;
         nx = scheibe::zellenzahl(sph->max[0] - sph->min[0], sph->h);
+        ny = scheibe::zellenzahl(sph->max[1] - sph->min[1], sph->h);
+        nz = scheibe::zellenzahl(sph->max[2] - sph->min[2], sph->h);
         gitter = true;
     }
     if (gitter && anzahl > nx) {
@@ -54,23 +80,60 @@ bool Verteilt::verteilen(AkkScheibe& scheibe) {
                   << " Zellebenen: h\xf6" "chstens eine Ebene je Prozess !\n";
         return false;
     }
-    const std::size_t n = std::size_t(scheibe.tanz());
+    // Process 0's time, name and count, and the particles per plane.
+    std::uint64_t n = ich == 0 ? std::uint64_t(scheibe.tanz()) : 0;
+    MPI_Bcast(&n, 1, MPI_UINT64_T, 0, komm);
+    MPI_Bcast(&scheibe.zeit, 1, MPI_DOUBLE, 0, komm);
+    std::uint64_t laenge = scheibe.name.size();
+    MPI_Bcast(&laenge, 1, MPI_UINT64_T, 0, komm);
+    scheibe.name.resize(laenge);
+    MPI_Bcast(scheibe.name.data(), int(laenge), MPI_CHAR, 0, komm);
     alle = n;
-    std::vector<int> ebene(n);
-    std::vector<std::uint64_t> proEbene(std::size_t(nx), 0);
-    for (std::size_t i = 0; i < n; ++i) {
+    std::vector<int> ebene(ich == 0 ? n : 0);
+    std::vector<std::uint64_t> proEbene(static_cast<std::size_t>(nx), 0);
+    for (std::size_t i = 0; i < ebene.size(); ++i) {
         ebene[i] = ebeneVon(scheibe[int(i)].r);
         ++proEbene[std::size_t(ebene[i])];
     }
+    MPI_Bcast(proEbene.data(), nx, MPI_UINT64_T, 0, komm);
     schneiden(proEbene);
-    std::vector<long long> folge;
-    global.clear();
-    for (std::size_t i = 0; i < n; ++i)
-        if (besitzer(ebene[i]) == ich) {
-            folge.push_back((long long)i);
-            global.push_back(i);
-        }
-    scheibe.ordne_teilchen(folge, {}, {});
+    // Each process's particles from process 0, in global order.
+    std::fill(sendeZahl.begin(), sendeZahl.end(), 0);
+    for (int e : ebene)
+        ++sendeZahl[std::size_t(besitzer(e))];
+    std::vector<int> stelle(static_cast<std::size_t>(anzahl), 0);
+    for (std::size_t q = 1; q < std::size_t(anzahl); ++q)
+        stelle[q] = stelle[q - 1] + 7 * sendeZahl[q - 1];
+    std::vector<int> zahlen(static_cast<std::size_t>(anzahl)), anfang(stelle);
+    for (std::size_t q = 0; q < std::size_t(anzahl); ++q)
+        zahlen[q] = 7 * sendeZahl[q];
+    puffer.resize(7 * ebene.size());
+    for (std::size_t i = 0; i < ebene.size(); ++i) {
+        double* b = &puffer[std::size_t(stelle[std::size_t(besitzer(ebene[i]))])];
+        stelle[std::size_t(besitzer(ebene[i]))] += 7;
+        const Teilchen& t = scheibe[int(i)];
+        b[0] = double(i);
+        std::copy(t.r.begin(), t.r.end(), b + 1);
+        std::copy(t.v.begin(), t.v.end(), b + 4);
+    }
+    int meine = 0;
+    MPI_Scatter(zahlen.data(), 1, MPI_INT, &meine, 1, MPI_INT, 0, komm);
+    eingang.resize(std::size_t(meine));
+    MPI_Scatterv(puffer.data(), zahlen.data(), anfang.data(), MPI_DOUBLE, eingang.data(), meine,
+                 MPI_DOUBLE, 0, komm);
+    const std::size_t m = eingang.size() / 7;
+    std::vector<long long> folge(m);
+    std::vector<Vektor3> r(m), v(m);
+    global.resize(m);
+    for (std::size_t j = 0; j < m; ++j) {
+        const double* b = &eingang[7 * j];
+        global[j] = std::uint64_t(b[0]);
+        std::copy(b + 1, b + 4, r[j].begin());
+        std::copy(b + 4, b + 7, v[j].begin());
+        folge[j] = -(long long)j - 1;
+    }
+    std::vector<double>().swap(puffer); // the whole disc's buffer on process 0
+    scheibe.ordne_teilchen(folge, r, v);
     scheibe.verteilung = this;
     return true;
 }
@@ -93,43 +156,93 @@ void Verteilt::tauschen(std::size_t k, const std::vector<double>& aus, std::vect
                   MPI_DOUBLE, komm);
 }
 
-void Verteilt::geisterHolen(const std::vector<int>& ebene,
+// Process q needs, of the others' particles, those in the planes next to
+// its slab and in it (ab[q] - 1 .. ab[q + 1]), and, around each of its
+// particles that strayed from the slab within this step's stages, the 27
+// cells about it ("extra" cells). Every pair of its own particles' lists
+// then lies within what it holds.
+void Verteilt::geisterHolen(const std::vector<std::size_t>& zellen,
                             const std::function<void(std::size_t, double*)>& lies) {
-    const std::size_t n = ebene.size();
-    // The planes this process needs: those of its particles and one on either side.
-    int lo = 1, hi = 0;
-    if (n > 0) {
-        const auto [a, b] = std::minmax_element(ebene.begin(), ebene.end());
-        lo = *a - 1;
-        hi = *b + 1;
-    }
-    const int meins[2] = {lo, hi};
-    std::vector<int> bereiche(2 * std::size_t(anzahl));
-    MPI_Allgather(meins, 2, MPI_INT, bereiche.data(), 2, MPI_INT, komm);
-    // For each plane of the own particles, the other processes that need it.
-    const int e0 = n > 0 ? lo + 1 : 0, e1 = n > 0 ? hi - 1 : -1;
-    std::vector<std::vector<int>> bedarf(std::size_t(std::max(0, e1 - e0 + 1)));
-    for (int q = 0; q < anzahl; ++q) {
-        if (q == ich)
+    const std::size_t n = zellen.size(), proEbene = std::size_t(ny) * std::size_t(nz);
+    const int a = ab[std::size_t(ich)], b = ab[std::size_t(ich) + 1] - 1;
+    std::vector<std::uint64_t> extra;
+    for (std::size_t i = 0; i < n; ++i) {
+        const int e = int(zellen[i] / proEbene);
+        if (e >= a && e <= b)
             continue;
-        const int a = std::max(bereiche[2 * std::size_t(q)], e0),
-                  b = std::min(bereiche[2 * std::size_t(q) + 1], e1);
-        for (int p = a; p <= b; ++p)
-            bedarf[std::size_t(p - e0)].push_back(q);
+        const int j = int(zellen[i] / std::size_t(nz) % std::size_t(ny)), k = int(zellen[i] % std::size_t(nz));
+        for (int di = -1; di <= 1; ++di)
+            for (int dj = -1; dj <= 1; ++dj)
+                for (int dk = -1; dk <= 1; ++dk) {
+                    const int ni = e + di, nj = j + dj, nk = k + dk;
+                    if (ni < 0 || ni >= nx || nj < 0 || nj >= ny || nk < 0 || nk >= nz ||
+                        (ni >= a - 1 && ni <= b + 1))
+                        continue;
+                    extra.push_back((std::uint64_t(ni) * std::uint64_t(ny) + std::uint64_t(nj)) *
+                                        std::uint64_t(nz) + std::uint64_t(nk));
+                }
     }
+    streuner += n - std::size_t(std::count_if(zellen.begin(), zellen.end(), [&](std::size_t z) {
+                    return int(z / proEbene) >= a && int(z / proEbene) <= b;
+                }));
+    std::sort(extra.begin(), extra.end());
+    extra.erase(std::unique(extra.begin(), extra.end()), extra.end());
+    const int meine = int(extra.size());
+    std::vector<int> zahlen(static_cast<std::size_t>(anzahl)), anfang(static_cast<std::size_t>(anzahl));
+    MPI_Allgather(&meine, 1, MPI_INT, zahlen.data(), 1, MPI_INT, komm);
+    int summe = 0;
+    for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
+        anfang[q] = summe;
+        summe += zahlen[q];
+    }
+    std::vector<std::uint64_t> alleExtra(static_cast<std::size_t>(summe));
+    MPI_Allgatherv(extra.data(), meine, MPI_UINT64_T, alleExtra.data(), zahlen.data(),
+                   anfang.data(), MPI_UINT64_T, komm);
+    // The others' extra cells as (cell, process), sorted, and their planes.
+    std::vector<std::pair<std::uint64_t, int>> fremd;
+    std::vector<char> extraEbene(static_cast<std::size_t>(nx), 0);
+    for (std::size_t q = 0; q < std::size_t(anzahl); ++q)
+        for (int s = anfang[q]; s < anfang[q] + zahlen[q] && int(q) != ich; ++s) {
+            fremd.emplace_back(alleExtra[std::size_t(s)], int(q));
+            extraEbene[std::size_t(alleExtra[std::size_t(s)] / proEbene)] = 1;
+        }
+    std::sort(fremd.begin(), fremd.end());
+    // f(q) once for every other process that needs own particle i (with
+    // extraBit when only for an extra cell, for the traffic's count).
+    constexpr int extraBit = 1 << 30;
+    auto ziele = [&](std::size_t i, auto f) {
+        const int e = int(zellen[i] / proEbene);
+        int vorher = -1;
+        for (int d = -1; d <= 1; ++d) {
+            const int q = besitzer(std::min(std::max(e + d, 0), nx - 1));
+            if (q != ich && q != vorher && ab[std::size_t(q)] - 1 <= e && e <= ab[std::size_t(q) + 1])
+                f(q);
+            vorher = q;
+        }
+        if (extraEbene[std::size_t(e)]) {
+            auto [von, bis] = std::equal_range(
+                fremd.begin(), fremd.end(), std::pair<std::uint64_t, int>(zellen[i], -1),
+                [](const auto& x, const auto& y) { return x.first < y.first; });
+            for (auto it = von; it != bis; ++it)
+                f(it->second | extraBit);
+        }
+    };
     // The own particles each process needs, grouped by process, each group
     // in global order.
     std::fill(sendeZahl.begin(), sendeZahl.end(), 0);
     for (std::size_t i = 0; i < n; ++i)
-        for (int q : bedarf[std::size_t(ebene[i] - e0)])
-            ++sendeZahl[std::size_t(q)];
-    std::vector<int> stelle(std::size_t(anzahl), 0);
+        ziele(i, [&](int q) {
+            extraGesendet += (q & extraBit) != 0;
+            ++sendeZahl[std::size_t(q & ~extraBit)];
+        });
+    std::vector<int> stelle(static_cast<std::size_t>(anzahl), 0);
     for (std::size_t q = 1; q < std::size_t(anzahl); ++q)
         stelle[q] = stelle[q - 1] + sendeZahl[q - 1];
     gesendet.resize(std::size_t(stelle.back() + sendeZahl.back()));
     for (std::size_t i = 0; i < n; ++i)
-        for (int q : bedarf[std::size_t(ebene[i] - e0)])
-            gesendet[std::size_t(stelle[std::size_t(q)]++)] = std::uint32_t(i);
+        ziele(i, [&](int q) {
+            gesendet[std::size_t(stelle[std::size_t(q & ~extraBit)]++)] = std::uint32_t(i);
+        });
     MPI_Alltoall(sendeZahl.data(), 1, MPI_INT, empfangsZahl.data(), 1, MPI_INT, komm);
     puffer.resize(7 * gesendet.size());
     for (std::size_t s = 0; s < gesendet.size(); ++s) {
@@ -138,7 +251,9 @@ void Verteilt::geisterHolen(const std::vector<int>& ebene,
     }
     tauschen(7, puffer, eingang);
     gesendeteGeisterwerte += puffer.size();
+    ++auswertungen;
     const std::size_t m = eingang.size() / 7;
+    geisterSumme += m;
     geistWerte.resize(6 * m);
     geistIdx.resize(m);
     for (std::size_t j = 0; j < m; ++j) {
@@ -218,7 +333,8 @@ Verteilt::entferne(AkkScheibe& scheibe, const std::function<bool(const Teilchen&
     return weg;
 }
 
-std::vector<Teilchen> Verteilt::sammeln(AkkScheibe& scheibe) {
+// Every process's (global index, r, v), 7 doubles a particle, on process 0.
+std::vector<double> Verteilt::sammelnRoh(AkkScheibe& scheibe) {
     const std::size_t n = std::size_t(scheibe.tanz());
     puffer.resize(7 * n);
     for (std::size_t i = 0; i < n; ++i) {
@@ -235,9 +351,15 @@ std::vector<Teilchen> Verteilt::sammeln(AkkScheibe& scheibe) {
         anfang[q] = summe;
         summe += zahlen[q];
     }
-    std::vector<double> ein(ich == 0 ? std::size_t(summe) : 0);
+    std::vector<double> ein(ich == 0 ? static_cast<std::size_t>(summe) : 0);
     MPI_Gatherv(puffer.data(), zahl, MPI_DOUBLE, ein.data(), zahlen.data(), anfang.data(),
                 MPI_DOUBLE, 0, komm);
+    std::vector<double>().swap(puffer);
+    return ein;
+}
+
+std::vector<Teilchen> Verteilt::sammeln(AkkScheibe& scheibe) {
+    const std::vector<double> ein = sammelnRoh(scheibe);
     std::vector<Teilchen> alleTeilchen(ich == 0 ? std::size_t(alle) : 0);
     for (std::size_t s = 0; s + 7 <= ein.size(); s += 7) {
         Teilchen& t = alleTeilchen[std::size_t(ein[s])];
@@ -247,15 +369,19 @@ std::vector<Teilchen> Verteilt::sammeln(AkkScheibe& scheibe) {
     return alleTeilchen;
 }
 
+// The snapshot written from the gathered numbers where they lie, through a
+// view per particle in global order (no second copy of the disc).
 void Verteilt::ausgeben(AkkScheibe& scheibe, PhysSystem& phys) {
-    std::vector<Teilchen> alleTeilchen = sammeln(scheibe);
+    const std::vector<double> ein = sammelnRoh(scheibe);
     if (ich != 0)
         return;
-    AkkScheibe ganz;
-    ganz.name = scheibe.name;
-    ganz.zeit = scheibe.zeit;
-    ganz.teilchen = std::move(alleTeilchen);
-    ganz.output(phys);
+    struct Sicht {
+        const double *r, *v;
+    };
+    std::vector<Sicht> sicht(alle);
+    for (std::size_t s = 0; s + 7 <= ein.size(); s += 7)
+        sicht[std::size_t(ein[s])] = {&ein[s + 1], &ein[s + 4]};
+    scheibe::_output(scheibe, sicht, phys);
 }
 
 bool Verteilt::aufnehmen(const Vektor3& r) {

@@ -20,17 +20,21 @@
 // values; nothing travels back, since every process forms all the sums of
 // its own particles. Ownership follows the particles' cells at the start of
 // a step; within a step (the stages) a particle may stray from its slab, and
-// the ghost planes follow the own particles' actual planes.
+// the process then also receives the 27 cells around it.
 class Verteilt : public Verteilung {
 public:
     explicit Verteilt(MPI_Comm komm);
+    // With AKK_VERTEILT_BERICHT naming a file, each process appends a line
+    // of its traffic and memory to it (bench/verteilt.sh).
+    ~Verteilt() override;
 
+    bool liest() const override { return ich == 0; }
     bool verteilen(AkkScheibe& scheibe) override;
     int rang() const override { return ich; }
     int prozesse() const override { return anzahl; }
     std::uint64_t gesamt() const override { return alle; }
 
-    void geisterHolen(const std::vector<int>& ebene,
+    void geisterHolen(const std::vector<std::size_t>& zellen,
                       const std::function<void(std::size_t, double*)>& lies) override;
     std::size_t geister() const override { return geistIdx.size(); }
     const double* geistRV(std::size_t j) const override { return &geistWerte[6 * j]; }
@@ -57,6 +61,10 @@ public:
     // and index, then the values between the passes), for the measurements
     // of the traffic.
     std::uint64_t gesendeteGeisterwerte = 0;
+    std::uint64_t auswertungen = 0;  // ghost exchanges (evaluations)
+    std::uint64_t geisterSumme = 0;  // ghosts received, summed over them
+    std::uint64_t extraGesendet = 0; // ghosts sent only for another's strays
+    std::uint64_t streuner = 0;      // own particles outside the slab, summed over evaluations
 
 private:
     MPI_Comm komm;
@@ -64,9 +72,9 @@ private:
     std::uint64_t alle = 0;            // particles of all processes
     std::vector<std::uint64_t> global; // global index of each own particle, ascending
     std::vector<int> ab;               // slab boundaries (planes), anzahl + 1 of them
-    // The grid's geometry along x (plane of a position).
+    // The grid's geometry: cells per axis, and along x the plane of a position.
     double xmin = 0, h = 1;
-    int nx = 1;
+    int nx = 1, ny = 1, nz = 1;
     bool gitter = false; // a disc with a grid (else all particles are in plane 0)
 
     // Ghost traffic of the last geisterHolen: own particles sent, by process.
@@ -77,6 +85,7 @@ private:
     std::vector<double> puffer, eingang;   // scratch
 
     int ebeneVon(const Vektor3& r) const;
+    std::vector<double> sammelnRoh(AkkScheibe& scheibe);
     int besitzer(int ebene) const;
     // Slabs of about equal particle counts from the counts per plane.
     void schneiden(const std::vector<std::uint64_t>& proEbene);

@@ -28,6 +28,10 @@ public:
 
     int nx = 0, ny = 0, nz = 0; // cells per axis
     bool dicht = true;          // table of all cells (else: occupied cells only)
+    // Planes i0 .. i0 + ni - 1 of the dense table: all of them, except for a
+    // process of a distributed run, whose particles and ghosts fill only the
+    // planes around its slab.
+    int i0 = 0, ni = 0;
 
     // Dense grid: the particles of cell c are at slots anfang[c] .. anfang[c + 1] - 1.
     std::vector<std::uint32_t> anfang;
@@ -51,15 +55,28 @@ public:
         nz = nz_;
         const double zellen = double(nx) * double(ny) * double(nz);
         dicht = zellen <= double(1 << 24) || zellen <= 32.0 * double(teilchen);
+        ebenen(0, nx - 1);
+        std::fill(anfang.begin(), anfang.end(), 0u);
+    }
+
+    // Lays the dense table over planes von .. bis only: every particle
+    // binned next lies in them, and so do the cells around the particles
+    // whose partners are sought.
+    void ebenen(int von, int bis) {
+        i0 = von;
+        ni = bis - von + 1;
         if (dicht) {
-            const std::size_t n = std::size_t(nx) * std::size_t(ny) * std::size_t(nz) + 1;
+            const std::size_t n = std::size_t(ni) * std::size_t(ny) * std::size_t(nz) + 1;
+            if (anfang.capacity() > 2 * n)
+                std::vector<std::uint32_t>().swap(anfang); // the whole grid's table, given back
             mitVorrat(anfang, n);
-            anfang.assign(n, 0);
+            anfang.resize(n); // counted anew by the next fuellen
         }
     }
 
+    // Index of cell (i, j, k) in the dense table.
     std::size_t zelle(int i, int j, int k) const {
-        return (std::size_t(i) * std::size_t(ny) + std::size_t(j)) * std::size_t(nz) +
+        return (std::size_t(i - i0) * std::size_t(ny) + std::size_t(j)) * std::size_t(nz) +
                std::size_t(k);
     }
 
@@ -172,7 +189,7 @@ public:
                     nachbar(i + 1, j + b, k + c);
         };
         if (dicht) {
-            for (int i = i0; i <= i1; ++i)
+            for (int i = std::max(i0, this->i0); i <= std::min(i1, this->i0 + ni - 1); ++i)
                 for (int j = 1; j <= ny - 2; ++j)
                     for (int k = 1; k <= nz - 2; ++k) {
                         const std::size_t c = zelle(i, j, k);
@@ -266,7 +283,7 @@ private:
                 slot[p] = --a[zelleVonSlot[p]];
         scheibe::fuerAlle(n, 10, [&](std::size_t p) {
             const std::size_t c = zelleVonSlot[p];
-            const Index z{int(c / (std::size_t(ny) * std::size_t(nz))),
+            const Index z{int(c / (std::size_t(ny) * std::size_t(nz))) + i0,
                           int(c / std::size_t(nz) % std::size_t(ny)), int(c % std::size_t(nz))};
             setze(slot[p], lage, p, z);
         });

@@ -90,9 +90,13 @@ void _binne(const SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, P
     }
     const std::size_t n = teilchen.size();
     ww.zellen.resize(n);
+    int von = g.nx, bis = -1; // planes of the own particles
     for (std::size_t i = 0; i < n; ++i) {
         const auto c = zelleVon(teilchen[i].r.data());
-        ww.zellen[i] = g.zelle(c[0], c[1], c[2]);
+        ww.zellen[i] = (std::size_t(c[0]) * std::size_t(g.ny) + std::size_t(c[1])) * std::size_t(g.nz) +
+                       std::size_t(c[2]);
+        von = std::min(von, c[0]);
+        bis = std::max(bis, c[0]);
     }
     vt->geisterHolen(ww.zellen, [&](std::size_t i, double* rv) {
         for (int c = 0; c < 3; ++c) {
@@ -115,6 +119,15 @@ void _binne(const SphAkkScheibe& disc, std::vector<T>& teilchen, Gitter<T>& g, P
         else
             ww.folge[k] = std::uint32_t(i++);
     }
+    // The table over the planes around the own particles and the ghosts'.
+    von = std::max(von - 1, 0);
+    bis = std::min(bis + 1, g.nx - 1);
+    for (std::size_t j = 0; j < m; ++j) {
+        const int e = zelle(vt->geistRV(j)[0], min[0], h, g.nx);
+        von = std::min(von, e);
+        bis = std::max(bis, e);
+    }
+    g.ebenen(std::min(von, bis), std::max(von, bis));
     g.fuellen(
         n + m,
         [&](std::size_t p) { return zelleVon(p < n ? teilchen[p].r.data() : vt->geistRV(p - n)); },

@@ -61,9 +61,17 @@ public:
     virtual std::uint64_t index(std::size_t i) const = 0;
     // k values per particle, from the own particles that went out as ghosts
     // in the last geisterHolen (lies(i, w)) to the ghosts (schreibe(j, w)).
-    virtual void werteTauschen(std::size_t k,
-                               const std::function<void(std::size_t, double*)>& lies,
+    virtual void werteTauschen(std::size_t k, const std::function<void(std::size_t, double*)>& lies,
                                const std::function<void(std::size_t, const double*)>& schreibe) = 0;
+
+    // An array of k values per own particle, in the particles' local order,
+    // that goes with them when they move to another process or are
+    // removed (an integrator's accelerations); not owned. An array whose
+    // length does not match the particles is emptied instead.
+    virtual void begleite(std::vector<double>* werte, std::size_t k) = 0;
+    // k values per own particle (local order) of every process, in global
+    // order on process 0; empty elsewhere.
+    virtual std::vector<double> sammleWerte(const std::vector<double>& werte, std::size_t k) = 0;
 
     // Sum of an integer count and maximum of a value over the processes:
     // both exact in any order.

@@ -56,6 +56,10 @@ bool SimulationConsole::aufbauen() {
         }
     }
 
+    // In a run over several processes only process 0 reads the particles;
+    // the others start from an empty disc and receive their slab.
+    if (verteilung && !verteilung->liest())
+        initAkkScheibe->dateiname = "/dev/null";
     scheibe = kraefte->createAkkScheibe(*initAkkScheibe, *physSystem);
     if (!scheibe)
         return false;

@@ -3,12 +3,18 @@
 #include "kraefte/RechteSeiteDG.h"
 #include "physik/PhysSystem.h"
 #include "scheibe/PhysviscAkkScheibe.h"
+#include "scheibe/Verteilung.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 Leapfrog::Leapfrog(InitOdeint& init) : Odeint(init) {}
+
+void Leapfrog::verteilt(Verteilung& v) {
+    verteilung = &v;
+    v.begleite(&g, 3);
+}
 
 void Leapfrog::auswerten(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte) {
     kraefte.derivatives(scheibe, phys);
@@ -32,7 +38,10 @@ void Leapfrog::auswerten(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& k
 }
 
 void Leapfrog::ersteStufe(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte) {
-    if (frisch && marke == aenderungen() && g.size() == 3 * std::size_t(scheibe.tanz()))
+    bool alt = !(frisch && marke == aenderungen() && g.size() == 3 * std::size_t(scheibe.tanz()));
+    if (verteilung) // all processes evaluate, or none
+        alt = verteilung->maximum(alt ? 1.0 : 0.0) > 0;
+    if (!alt)
         return; // the last step's closing evaluation is this state's
     auswerten(scheibe, phys, kraefte);
 }
@@ -41,12 +50,13 @@ namespace {
 
 // The Courant condition over a gas disc's pair list, slot by slot in the
 // list's own order: each particle's sound speed and the largest |mu| among
-// its partners (mu is 0 for receding ones).
-double courant(const Partnerliste* l, std::size_t n, const PhysSystem& phys) {
+// its partners (mu is 0 for receding ones). A ghost of a distributed run
+// (a slot without a list) gives a bound no smaller than its owner's.
+double courant(const Partnerliste* l, const PhysSystem& phys) {
     double dt = std::numeric_limits<double>::infinity();
     if (!l)
         return dt;
-    for (std::uint32_t s = 0; s < n; ++s) {
+    for (std::uint32_t s = 0; s < l->gas.size(); ++s) {
         const auto& b = l->block(s);
         double m = 0;
         for (std::uint32_t k = l->erster(s), e = k + l->anzahl(s); k < e; ++k)
@@ -69,17 +79,18 @@ double Leapfrog::schrittweite(AkkScheibe& scheibe, const PhysSystem& phys) const
     }
     double dt = cKraft * kraft;
     if (auto* p = dynamic_cast<PhysviscAkkScheibe*>(&scheibe)) {
-        dt = std::min(dt, cCourant * courant(p->ww.get(), p->teilchen.size(), phys));
+        dt = std::min(dt, cCourant * courant(p->ww.get(), phys));
         if (phys.viskositaet > 0 && !p->teilchen.empty())
             dt = std::min(dt, (phys.h * phys.h) / (8.0 * phys.viskositaet));
     } else if (auto* q = dynamic_cast<PressArtviscAkkScheibe*>(&scheibe)) {
-        dt = std::min(dt, cCourant * courant(q->ww.get(), q->teilchen.size(), phys));
+        dt = std::min(dt, cCourant * courant(q->ww.get(), phys));
     }
-    return dt;
+    // The smallest of the processes' (a minimum: exact in any order).
+    return verteilung ? verteilung->minimum(dt) : dt;
 }
 
-void Leapfrog::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte,
-                       double* hdid, double* hnext) {
+void Leapfrog::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte, double* hdid,
+                       double* hnext) {
     // The driver's step (clipped to the next output time), unless the
     // conditions ask for less.
     const double dt = h >= 0 ? std::min(h, grenze) : -std::min(-h, grenze);
@@ -118,13 +129,21 @@ void Leapfrog::stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kra
     *hnext = std::isfinite(grenze) ? grenze : dt;
 }
 
+// The accelerations only while they are the disc's (else none: the next
+// step evaluates anyway), in the disc's order; a distributed run's gathered
+// in global order (all its processes call this, process 0 writes it).
 std::string Leapfrog::zustand() {
+    const bool aktuell = frisch && marke == aenderungen();
+    std::vector<double> alle;
+    if (aktuell && verteilung)
+        alle = verteilung->sammleWerte(g, 3);
+    const std::vector<double>& werte = !aktuell ? alle : verteilung ? alle : g;
     std::string b;
-    anhaengen(b, static_cast<std::uint8_t>(frisch));
+    anhaengen(b, static_cast<std::uint8_t>(aktuell));
     anhaengen(b, static_cast<std::int64_t>(marke));
     anhaengen(b, grenze);
-    anhaengen(b, static_cast<std::uint64_t>(g.size()));
-    b.append(reinterpret_cast<const char*>(g.data()), g.size() * sizeof(double));
+    anhaengen(b, static_cast<std::uint64_t>(werte.size()));
+    b.append(reinterpret_cast<const char*>(werte.data()), werte.size() * sizeof(double));
     return b;
 }
 
@@ -137,8 +156,8 @@ std::string Leapfrog::lies(const std::string& b, std::size_t, bool setzen) {
     std::uint64_t laenge = 0;
     double gr = 0;
     if (!nimm(b, pos, f) || !nimm(b, pos, m) || !nimm(b, pos, gr) || !nimm(b, pos, laenge) ||
-        f > 1 || !(gr > 0) || laenge % 3 != 0 ||
-        laenge != (b.size() - pos) / sizeof(double) || (b.size() - pos) % sizeof(double) != 0)
+        f > 1 || !(gr > 0) || laenge % 3 != 0 || laenge != (b.size() - pos) / sizeof(double) ||
+        (b.size() - pos) % sizeof(double) != 0)
         return "unvollst\xe4ndig";
     if (!setzen)
         return "";

@@ -7,6 +7,8 @@
 #include <functional>
 #include <vector>
 
+class Verteilung;
+
 // Kick-drift-kick leapfrog with one evaluation of the forces a step, the
 // integrator SPH disc codes use for long runs (Monaghan 1992, ARA&A 30, 543;
 // Springel 2005, MNRAS 364, 1105), as the alternative to the Cash-Karp
@@ -41,8 +43,14 @@ public:
     // evaluation means the stored accelerations are those of the disc.
     std::function<long long()> aenderungen = [] { return 0LL; };
     long long auswertungen = 0; // evaluations of the forces by this process
+    // The processes of a distributed run (null: one); not owned. The
+    // accelerations go with their particles, the step is the smallest of
+    // the processes' and the checkpoint holds them in global order.
+    Verteilung* verteilung = nullptr;
 
     explicit Leapfrog(InitOdeint& init);
+    // Joins the processes of a distributed run.
+    void verteilt(Verteilung& v);
 
     void ersteStufe(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte) override;
     void stepper(AkkScheibe& scheibe, PhysSystem& phys, RechteSeiteDG& kraefte, double* hdid,

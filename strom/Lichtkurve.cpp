@@ -2,6 +2,7 @@
 
 #include "physik/PhysSystem.h"
 #include "scheibe/PhysviscAkkScheibe.h"
+#include "scheibe/Verteilung.h"
 
 #include <cerrno>
 #include <cmath>
@@ -18,8 +19,24 @@ double skalar(const Vektor3& v, const Vektor3& a) {
     return (v[0] * a[0] + v[1] * a[1]) + v[2] * a[2];
 }
 
-template <class T> Dissipation summe(const std::vector<T>& teilchen, double m) {
+template <class T> Dissipation summe(const std::vector<T>& teilchen, double m, Verteilung* vt) {
     double art = 0, phys = 0;
+    if (vt) {
+        // Each particle's two terms, summed by process 0 in global order.
+        std::vector<double> terme(2 * teilchen.size());
+        for (std::size_t i = 0; i < teilchen.size(); ++i) {
+            terme[2 * i] = skalar(teilchen[i].v, teilchen[i].aArtvisc);
+            if constexpr (std::is_same_v<T, PhysviscTeilchen>)
+                terme[2 * i + 1] = skalar(teilchen[i].v, teilchen[i].aPhysvisc);
+        }
+        const std::vector<double> alle = vt->sammleWerte(terme, 2);
+        for (std::size_t i = 0; i + 1 < alle.size(); i += 2) {
+            art += alle[i];
+            if constexpr (std::is_same_v<T, PhysviscTeilchen>)
+                phys += alle[i + 1];
+        }
+        return {-(art * m), -(phys * m)};
+    }
     for (const T& t : teilchen) {
         art += skalar(t.v, t.aArtvisc);
         if constexpr (std::is_same_v<T, PhysviscTeilchen>)
@@ -32,9 +49,9 @@ template <class T> Dissipation summe(const std::vector<T>& teilchen, double m) {
 
 Dissipation dissipation(AkkScheibe& scheibe, const PhysSystem& phys) {
     if (auto* p = dynamic_cast<PhysviscAkkScheibe*>(&scheibe))
-        return summe(p->teilchen, phys.mTeilchen);
+        return summe(p->teilchen, phys.mTeilchen, scheibe.verteilung);
     if (auto* p = dynamic_cast<PressArtviscAkkScheibe*>(&scheibe))
-        return summe(p->teilchen, phys.mTeilchen);
+        return summe(p->teilchen, phys.mTeilchen, scheibe.verteilung);
     return {};
 }
 
@@ -63,7 +80,14 @@ Lichtkurve::Lichtkurve(RechteSeiteDG& kraefte, AkkScheibe& haupt, PhysSystem& ph
                        std::string datei)
     : kraefte(kraefte), haupt(haupt), phys(phys), datei(std::move(datei)) {}
 
+// In a distributed run process 0 alone writes the table.
+bool Lichtkurve::schreibt() const {
+    return !haupt.verteilung || haupt.verteilung->rang() == 0;
+}
+
 bool Lichtkurve::beginne(std::string& fehler) {
+    if (!schreibt())
+        return true;
     aus.open(datei, std::ios::binary | std::ios::trunc);
     if (!aus) {
         fehler = "Lichtkurve '" + datei + "' l\xe4sst sich nicht anlegen: " + std::strerror(errno);
@@ -89,7 +113,8 @@ void Lichtkurve::schreibeZeile(const Zeile& z) {
     ++zeilen;
     if (!aus && !gemeldet) {
         gemeldet = true;
-        std::cerr << "akkstrom: Lichtkurve '" << datei << "' l\xe4sst sich nicht schreiben; der "
+        std::cerr << "akkstrom: Lichtkurve '" << datei
+                  << "' l\xe4sst sich nicht schreiben; der "
                      "Lauf geht ohne sie weiter\n";
     }
 }
@@ -109,7 +134,9 @@ void Lichtkurve::deriv_ohne_init(AkkScheibe& scheibe, PhysSystem& p) {
         return; // a stage of the integrator
     if (inHand && zeile.t != scheibe.t())
         schreibeZeile(zeile);
-    zeile = {scheibe.t(), dissipation(scheibe, phys), scheibe.tanz()};
+    const int n =
+        scheibe.verteilung ? static_cast<int>(scheibe.verteilung->gesamt()) : scheibe.tanz();
+    zeile = {scheibe.t(), dissipation(scheibe, phys), n};
     inHand = true;
 }
 
@@ -151,6 +178,10 @@ std::string Lichtkurve::lies(const std::string& b, std::size_t, bool setzen) {
         return "die Lichtkurve '" + datei + "' fehlt oder ist k\xfcrzer als beim Sichern";
     if (!setzen)
         return "";
+    inHand = hand != 0;
+    zeile = z;
+    if (!schreibt())
+        return "";
     // The rows written after the checkpoint come again.
     std::filesystem::resize_file(datei, static_cast<std::uintmax_t>(laenge), f);
     aus.open(datei, std::ios::binary | std::ios::app);
@@ -158,7 +189,5 @@ std::string Lichtkurve::lies(const std::string& b, std::size_t, bool setzen) {
     offen = !f && static_cast<bool>(aus);
     if (!offen)
         std::cerr << "akkstrom: Lichtkurve '" << datei << "' l\xe4sst sich nicht fortschreiben\n";
-    inHand = hand != 0;
-    zeile = z;
     return "";
 }

@@ -79,6 +79,7 @@ public:
     long long zeilen = 0; // rows written by this process
 
 private:
+    bool schreibt() const; // this process writes the table
     struct Zeile {
         double t = 0;
         Dissipation l;

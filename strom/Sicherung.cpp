@@ -164,6 +164,9 @@ std::string Sicherung::schreibe(const Odeint& odeint, AkkScheibe& scheibe) const
     // The whole disc in its order: in a run spread over processes, process
     // 0 gathers it and writes the file alone.
     std::vector<Teilchen> ganz;
+    std::vector<std::string> teilZustand; // formed by every process (they gather)
+    for (Sicherungsteil* t : teile)
+        teilZustand.push_back(t->zustand());
     if (scheibe.verteilung) {
         ganz = scheibe.verteilung->sammeln(scheibe);
         if (scheibe.verteilung->rang() != 0)
@@ -208,9 +211,9 @@ std::string Sicherung::schreibe(const Odeint& odeint, AkkScheibe& scheibe) const
     w.bytes(z.data(), z.size());
     if (!teile.empty()) {
         w.zahl(static_cast<std::uint32_t>(teile.size()));
-        for (Sicherungsteil* t : teile) {
-            const std::string name = t->name();
-            const std::string b = t->zustand();
+        for (std::size_t i = 0; i < teile.size(); ++i) {
+            const std::string name = teile[i]->name();
+            const std::string& b = teilZustand[i];
             w.zahl(static_cast<std::uint32_t>(name.size()));
             w.bytes(name.data(), name.size());
             w.zahl(static_cast<std::uint64_t>(b.size()));
@@ -361,14 +364,15 @@ std::string Sicherung::lies(Odeint& odeint, AkkScheibe& scheibe) const {
         v[i] = {p[3], p[4], p[5]};
     }
     scheibe.ordne_teilchen(neu, r, v);
-    if (scheibe.verteilung)
-        scheibe.verteilung->verteilen(scheibe);
     scheibe.t(zeit);
     quelle->t0 = stromT0;
     quelle->eingespeist = eingespeist;
     quelle->zufall = zufall;
     for (std::size_t i = 0; i < teile.size(); ++i)
         teile[i]->lies(teilBytes[i], static_cast<std::size_t>(n), true);
+    // The parts' values per particle go with the particles.
+    if (scheibe.verteilung)
+        scheibe.verteilung->verteilen(scheibe);
     return "";
 }
 

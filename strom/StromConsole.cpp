@@ -1,5 +1,7 @@
 #include "strom/StromConsole.h"
 
+#include "scheibe/Verteilung.h"
+
 #include "odeint/Odeint.h"
 #include "scheibe/AkkScheibe.h"
 #include "strom/Fortschritt.h"
@@ -123,13 +125,6 @@ int StromConsole::run(int argc, char** argv) {
             return 2;
         }
     }
-    // Both keep a value per particle beyond the disc's state, which the
-    // processes of a distributed run do not hand on.
-    if (verteilung && (mitLeapfrog || !lichtkurveDatei.empty())) {
-        std::cerr << "akkstrom: --integrator leapfrog und --lichtkurve rechnen nur in einem "
-                     "Prozess (ohne mpirun oder mit -np 1)\n";
-        return 2;
-    }
     const bool terminal = isatty(2) == 1;
     // The stream keys first: a run without its stream is not what was asked for.
     initStrom = new InitStrom(parameterDatei);
@@ -167,6 +162,8 @@ int StromConsole::run(int argc, char** argv) {
             return static_cast<long long>(odeint->stand.remove_count) + quelle->eingespeist;
         };
         sicherung->teile.push_back(leapfrog);
+        if (verteilung)
+            leapfrog->verteilt(*verteilung);
         sicherung->weiterBefehl += " --integrator leapfrog";
     }
     if (!lichtkurveDatei.empty()) {

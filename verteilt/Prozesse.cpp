@@ -25,7 +25,7 @@ bool vomStarter() {
     return std::getenv("OMPI_COMM_WORLD_SIZE") || std::getenv("PMI_RANK") ||
            std::getenv("PMIX_RANK");
 }
-int gestartetMit() {
+[[maybe_unused]] int gestartetMit() {
     for (const char* name : {"OMPI_COMM_WORLD_SIZE", "PMI_SIZE", "PMIX_SIZE"})
         if (const char* wert = std::getenv(name))
             return std::atoi(wert);

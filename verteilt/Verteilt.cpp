@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <sys/resource.h>
 #include <iostream>
+#include <sys/resource.h>
 
 Verteilt::Verteilt(MPI_Comm k) : komm(k) {
     MPI_Comm_rank(komm, &ich);
@@ -24,16 +24,18 @@ Verteilt::~Verteilt() {
     rusage r{};
     getrusage(RUSAGE_SELF, &r);
     if (FILE* f = std::fopen(bericht, "a")) {
-        std::fprintf(f,
-                     "rang %d von %d: teilchen %zu ebenen %d..%d auswertungen %llu geister/auswertung "
-                     "%.1f gesendete_bytes/auswertung %.0f davon_fuer_streuner %.0f streuner/auswertung %.1f "
-                     "peak_rss_kib %ld\n",
-                     ich, anzahl, global.size(), ab.empty() ? 0 : ab[std::size_t(ich)],
-                     ab.empty() ? 0 : ab[std::size_t(ich) + 1] - 1, (unsigned long long)auswertungen,
-                     auswertungen ? double(geisterSumme) / double(auswertungen) : 0.0,
-                     auswertungen ? 8.0 * double(gesendeteGeisterwerte) / double(auswertungen) : 0.0,
-                     auswertungen ? double(extraGesendet) * 8.0 * 17.0 / double(auswertungen) : 0.0,
-                     auswertungen ? double(streuner) / double(auswertungen) : 0.0, r.ru_maxrss);
+        std::fprintf(
+            f,
+            "rang %d von %d: teilchen %zu ebenen %d..%d auswertungen %llu geister/auswertung "
+            "%.1f gesendete_bytes/auswertung %.0f davon_fuer_streuner %.0f streuner/auswertung "
+            "%.1f "
+            "peak_rss_kib %ld\n",
+            ich, anzahl, global.size(), ab.empty() ? 0 : ab[std::size_t(ich)],
+            ab.empty() ? 0 : ab[std::size_t(ich) + 1] - 1, (unsigned long long)auswertungen,
+            auswertungen ? double(geisterSumme) / double(auswertungen) : 0.0,
+            auswertungen ? 8.0 * double(gesendeteGeisterwerte) / double(auswertungen) : 0.0,
+            auswertungen ? double(extraGesendet) * 8.0 * 17.0 / double(auswertungen) : 0.0,
+            auswertungen ? double(streuner) / double(auswertungen) : 0.0, r.ru_maxrss);
         std::fclose(f);
     }
 }
@@ -77,7 +79,8 @@ bool Verteilt::verteilen(AkkScheibe& scheibe) {
     }
     if (gitter && anzahl > nx) {
         std::cout << "Fehler: " << anzahl << " Prozesse, aber nur " << nx
-                  << " Zellebenen: h\xf6" "chstens eine Ebene je Prozess !\n";
+                  << " Zellebenen: h\xf6"
+                     "chstens eine Ebene je Prozess !\n";
         return false;
     }
     // Process 0's time, name and count, and the particles per plane.
@@ -97,51 +100,87 @@ bool Verteilt::verteilen(AkkScheibe& scheibe) {
     }
     MPI_Bcast(proEbene.data(), nx, MPI_UINT64_T, 0, komm);
     schneiden(proEbene);
-    // Each process's particles from process 0, in global order.
+    // Each process's particles from process 0, in global order, with the
+    // values that go along where process 0's arrays match its disc.
+    mitgehen.assign(begleiter.size(), 0);
+    for (std::size_t c = 0; c < begleiter.size(); ++c)
+        mitgehen[c] = begleiter[c].first->size() == begleiter[c].second * n;
+    MPI_Bcast(mitgehen.data(), int(mitgehen.size()), MPI_INT, 0, komm);
+    std::size_t w = 7;
+    for (std::size_t c = 0; c < begleiter.size(); ++c)
+        w += mitgehen[c] ? begleiter[c].second : 0;
     std::fill(sendeZahl.begin(), sendeZahl.end(), 0);
     for (int e : ebene)
         ++sendeZahl[std::size_t(besitzer(e))];
     std::vector<int> stelle(static_cast<std::size_t>(anzahl), 0);
     for (std::size_t q = 1; q < std::size_t(anzahl); ++q)
-        stelle[q] = stelle[q - 1] + 7 * sendeZahl[q - 1];
+        stelle[q] = stelle[q - 1] + int(w) * sendeZahl[q - 1];
     std::vector<int> zahlen(static_cast<std::size_t>(anzahl)), anfang(stelle);
     for (std::size_t q = 0; q < std::size_t(anzahl); ++q)
-        zahlen[q] = 7 * sendeZahl[q];
-    puffer.resize(7 * ebene.size());
+        zahlen[q] = int(w) * sendeZahl[q];
+    puffer.resize(w * ebene.size());
     for (std::size_t i = 0; i < ebene.size(); ++i) {
         double* b = &puffer[std::size_t(stelle[std::size_t(besitzer(ebene[i]))])];
-        stelle[std::size_t(besitzer(ebene[i]))] += 7;
-        const Teilchen& t = scheibe[int(i)];
-        b[0] = double(i);
-        std::copy(t.r.begin(), t.r.end(), b + 1);
-        std::copy(t.v.begin(), t.v.end(), b + 4);
+        stelle[std::size_t(besitzer(ebene[i]))] += int(w);
+        packe(b, scheibe, i, double(i));
     }
     int meine = 0;
     MPI_Scatter(zahlen.data(), 1, MPI_INT, &meine, 1, MPI_INT, 0, komm);
     eingang.resize(std::size_t(meine));
     MPI_Scatterv(puffer.data(), zahlen.data(), anfang.data(), MPI_DOUBLE, eingang.data(), meine,
                  MPI_DOUBLE, 0, komm);
-    const std::size_t m = eingang.size() / 7;
+    const std::size_t m = eingang.size() / w;
     std::vector<long long> folge(m);
     std::vector<Vektor3> r(m), v(m);
+    std::vector<std::vector<double>> werteNeu(begleiter.size());
     global.resize(m);
     for (std::size_t j = 0; j < m; ++j) {
-        const double* b = &eingang[7 * j];
-        global[j] = std::uint64_t(b[0]);
-        std::copy(b + 1, b + 4, r[j].begin());
-        std::copy(b + 4, b + 7, v[j].begin());
+        global[j] = entpacke(&eingang[w * j], r[j], v[j], werteNeu);
         folge[j] = -(long long)j - 1;
     }
+    for (std::size_t c = 0; c < begleiter.size(); ++c)
+        begleiter[c].first->swap(werteNeu[c]);
     std::vector<double>().swap(puffer); // the whole disc's buffer on process 0
     scheibe.ordne_teilchen(folge, r, v);
     scheibe.verteilung = this;
     return true;
 }
 
+// A particle's record: its global index, r, v, and the values that go
+// along (those of mitgehen).
+void Verteilt::packe(double* b, AkkScheibe& scheibe, std::size_t i, double index) const {
+    const Teilchen& t = scheibe[int(i)];
+    b[0] = index;
+    std::copy(t.r.begin(), t.r.end(), b + 1);
+    std::copy(t.v.begin(), t.v.end(), b + 4);
+    b += 7;
+    for (std::size_t c = 0; c < begleiter.size(); ++c) {
+        const auto& [werte, k] = begleiter[c];
+        if (!mitgehen[c])
+            continue;
+        std::copy(werte->begin() + std::ptrdiff_t(k * i),
+                  werte->begin() + std::ptrdiff_t(k * (i + 1)), b);
+        b += k;
+    }
+}
+
+std::uint64_t Verteilt::entpacke(const double* b, Vektor3& r, Vektor3& v,
+                                 std::vector<std::vector<double>>& werte) const {
+    std::copy(b + 1, b + 4, r.begin());
+    std::copy(b + 4, b + 7, v.begin());
+    const double* w = b + 7;
+    for (std::size_t c = 0; c < begleiter.size(); ++c) {
+        if (!mitgehen[c])
+            continue;
+        werte[c].insert(werte[c].end(), w, w + begleiter[c].second);
+        w += begleiter[c].second;
+    }
+    return std::uint64_t(b[0]);
+}
+
 void Verteilt::tauschen(std::size_t k, const std::vector<double>& aus, std::vector<double>& ein) {
     const std::size_t P = std::size_t(anzahl);
-    std::vector<int> sz(P), sv(P), ez(P),
-        ev(P);
+    std::vector<int> sz(P), sv(P), ez(P), ev(P);
     int s = 0, e = 0;
     for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
         sz[q] = sendeZahl[q] * int(k);
@@ -170,7 +209,8 @@ void Verteilt::geisterHolen(const std::vector<std::size_t>& zellen,
         const int e = int(zellen[i] / proEbene);
         if (e >= a && e <= b)
             continue;
-        const int j = int(zellen[i] / std::size_t(nz) % std::size_t(ny)), k = int(zellen[i] % std::size_t(nz));
+        const int j = int(zellen[i] / std::size_t(nz) % std::size_t(ny)),
+                  k = int(zellen[i] % std::size_t(nz));
         for (int di = -1; di <= 1; ++di)
             for (int dj = -1; dj <= 1; ++dj)
                 for (int dk = -1; dk <= 1; ++dk) {
@@ -179,7 +219,8 @@ void Verteilt::geisterHolen(const std::vector<std::size_t>& zellen,
                         (ni >= a - 1 && ni <= b + 1))
                         continue;
                     extra.push_back((std::uint64_t(ni) * std::uint64_t(ny) + std::uint64_t(nj)) *
-                                        std::uint64_t(nz) + std::uint64_t(nk));
+                                        std::uint64_t(nz) +
+                                    std::uint64_t(nk));
                 }
     }
     streuner += n - std::size_t(std::count_if(zellen.begin(), zellen.end(), [&](std::size_t z) {
@@ -188,7 +229,8 @@ void Verteilt::geisterHolen(const std::vector<std::size_t>& zellen,
     std::sort(extra.begin(), extra.end());
     extra.erase(std::unique(extra.begin(), extra.end()), extra.end());
     const int meine = int(extra.size());
-    std::vector<int> zahlen(static_cast<std::size_t>(anzahl)), anfang(static_cast<std::size_t>(anzahl));
+    std::vector<int> zahlen(static_cast<std::size_t>(anzahl)),
+        anfang(static_cast<std::size_t>(anzahl));
     MPI_Allgather(&meine, 1, MPI_INT, zahlen.data(), 1, MPI_INT, komm);
     int summe = 0;
     for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
@@ -215,7 +257,8 @@ void Verteilt::geisterHolen(const std::vector<std::size_t>& zellen,
         int vorher = -1;
         for (int d = -1; d <= 1; ++d) {
             const int q = besitzer(std::min(std::max(e + d, 0), nx - 1));
-            if (q != ich && q != vorher && ab[std::size_t(q)] - 1 <= e && e <= ab[std::size_t(q) + 1])
+            if (q != ich && q != vorher && ab[std::size_t(q)] - 1 <= e &&
+                e <= ab[std::size_t(q) + 1])
                 f(q);
             vorher = q;
         }
@@ -273,6 +316,59 @@ void Verteilt::werteTauschen(std::size_t k, const std::function<void(std::size_t
         schreibe(j, &eingang[k * j]);
 }
 
+void Verteilt::begleite(std::vector<double>* werte, std::size_t k) {
+    begleiter.emplace_back(werte, k);
+}
+
+// Collective: an array goes along only where it matches on every process.
+std::size_t Verteilt::begleitBreite(std::size_t n) {
+    std::vector<int> passt(begleiter.size()), ueberall(begleiter.size());
+    for (std::size_t b = 0; b < begleiter.size(); ++b)
+        passt[b] = begleiter[b].first->size() == begleiter[b].second * n;
+    MPI_Allreduce(passt.data(), ueberall.data(), int(passt.size()), MPI_INT, MPI_MIN, komm);
+    std::size_t breite = 0;
+    mitgehen = ueberall;
+    for (std::size_t b = 0; b < begleiter.size(); ++b) {
+        if (ueberall[b])
+            breite += begleiter[b].second;
+        else
+            begleiter[b].first->clear();
+    }
+    return breite;
+}
+
+// Every process's doubles, one after the other in process order, on process 0.
+std::vector<double> Verteilt::anNull(const std::vector<double>& aus) {
+    const int zahl = int(aus.size());
+    std::vector<int> zahlen(static_cast<std::size_t>(anzahl)),
+        anfang(static_cast<std::size_t>(anzahl));
+    MPI_Gather(&zahl, 1, MPI_INT, zahlen.data(), 1, MPI_INT, 0, komm);
+    int summe = 0;
+    for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
+        anfang[q] = summe;
+        summe += zahlen[q];
+    }
+    std::vector<double> ein(ich == 0 ? static_cast<std::size_t>(summe) : 0);
+    MPI_Gatherv(aus.data(), zahl, MPI_DOUBLE, ein.data(), zahlen.data(), anfang.data(), MPI_DOUBLE,
+                0, komm);
+    return ein;
+}
+
+std::vector<double> Verteilt::sammleWerte(const std::vector<double>& werte, std::size_t k) {
+    const std::size_t n = global.size();
+    puffer.resize((k + 1) * n);
+    for (std::size_t i = 0; i < n; ++i) {
+        puffer[(k + 1) * i] = double(global[i]);
+        for (std::size_t c = 0; c < k; ++c)
+            puffer[(k + 1) * i + 1 + c] = i * k + c < werte.size() ? werte[i * k + c] : 0.0;
+    }
+    eingang = anNull(puffer);
+    std::vector<double> alleWerte(ich == 0 ? k * std::size_t(alle) : 0);
+    for (std::size_t s = 0; s + k + 1 <= eingang.size(); s += k + 1)
+        std::copy(&eingang[s + 1], &eingang[s + 1 + k], &alleWerte[k * std::size_t(eingang[s])]);
+    return alleWerte;
+}
+
 std::uint64_t Verteilt::summe(std::uint64_t wert) {
     std::uint64_t s = 0;
     MPI_Allreduce(&wert, &s, 1, MPI_UINT64_T, MPI_SUM, komm);
@@ -300,6 +396,10 @@ Verteilt::entferne(AkkScheibe& scheibe, const std::function<bool(const Teilchen&
         if (raus(scheibe[int(i)], abstand)) {
             meine.push_back(double(global[i]));
             meine.push_back(abstand);
+            for (auto& [w, k] : begleiter)
+                if (w->size() == k * global.size())
+                    w->erase(w->begin() + std::ptrdiff_t(k * i),
+                             w->begin() + std::ptrdiff_t(k * (i + 1)));
             scheibe.entferne_teilchen(int(i));
             global.erase(global.begin() + std::ptrdiff_t(i));
         } else {
@@ -343,17 +443,7 @@ std::vector<double> Verteilt::sammelnRoh(AkkScheibe& scheibe) {
         std::copy(t.r.begin(), t.r.end(), &puffer[7 * i + 1]);
         std::copy(t.v.begin(), t.v.end(), &puffer[7 * i + 4]);
     }
-    const int zahl = int(puffer.size());
-    std::vector<int> zahlen(ab.size() - 1), anfang(ab.size() - 1);
-    MPI_Gather(&zahl, 1, MPI_INT, zahlen.data(), 1, MPI_INT, 0, komm);
-    int summe = 0;
-    for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
-        anfang[q] = summe;
-        summe += zahlen[q];
-    }
-    std::vector<double> ein(ich == 0 ? static_cast<std::size_t>(summe) : 0);
-    MPI_Gatherv(puffer.data(), zahl, MPI_DOUBLE, ein.data(), zahlen.data(), anfang.data(),
-                MPI_DOUBLE, 0, komm);
+    std::vector<double> ein = anNull(puffer);
     std::vector<double>().swap(puffer);
     return ein;
 }
@@ -388,6 +478,11 @@ bool Verteilt::aufnehmen(const Vektor3& r) {
     const std::uint64_t g = alle++;
     if (besitzer(ebeneVon(r)) != ich)
         return false;
+    for (auto& [w, k] : begleiter)
+        if (w->size() == k * global.size())
+            w->resize(w->size() + k, 0.0);
+        else
+            w->clear();
     global.push_back(g);
     return true;
 }
@@ -416,21 +511,20 @@ void Verteilt::umverteilen(AkkScheibe& scheibe, bool ausgleichen) {
         }
     }
     MPI_Alltoall(sendeZahl.data(), 1, MPI_INT, empfangsZahl.data(), 1, MPI_INT, komm);
-    std::vector<int> stelle(std::size_t(anzahl), 0);
+    std::vector<int> stelle(static_cast<std::size_t>(anzahl), 0);
     for (std::size_t q = 1; q < std::size_t(anzahl); ++q)
         stelle[q] = stelle[q - 1] + sendeZahl[q - 1];
-    puffer.resize(7 * gehen);
+    // A record: global index, r, v, and the values that go along.
+    const std::size_t w = 7 + begleitBreite(n);
+    puffer.resize(w * gehen);
     for (std::size_t i = 0; i < n; ++i) {
         if (ziel[i] == ich)
             continue;
-        double* b = &puffer[7 * std::size_t(stelle[std::size_t(ziel[i])]++)];
-        const Teilchen& t = scheibe[int(i)];
-        b[0] = double(global[i]);
-        std::copy(t.r.begin(), t.r.end(), b + 1);
-        std::copy(t.v.begin(), t.v.end(), b + 4);
+        double* b = &puffer[w * std::size_t(stelle[std::size_t(ziel[i])]++)];
+        packe(b, scheibe, i, double(global[i]));
     }
-    tauschen(7, puffer, eingang);
-    const std::size_t kommen = eingang.size() / 7;
+    tauschen(w, puffer, eingang);
+    const std::size_t kommen = eingang.size() / w;
     if (gehen == 0 && kommen == 0)
         return;
     // The staying particles and the arrivals, merged by global index.
@@ -438,7 +532,8 @@ void Verteilt::umverteilen(AkkScheibe& scheibe, bool ausgleichen) {
     for (std::size_t j = 0; j < kommen; ++j)
         neu[j] = j;
     std::sort(neu.begin(), neu.end(),
-              [&](std::size_t a, std::size_t b) { return eingang[7 * a] < eingang[7 * b]; });
+              [&](std::size_t a, std::size_t b) { return eingang[w * a] < eingang[w * b]; });
+    std::vector<std::vector<double>> werteNeu(begleiter.size());
     std::vector<long long> folge;
     std::vector<Vektor3> r(kommen), v(kommen);
     std::vector<std::uint64_t> globalNeu;
@@ -451,19 +546,24 @@ void Verteilt::umverteilen(AkkScheibe& scheibe, bool ausgleichen) {
         const bool hier = i < n, dort = j < kommen;
         if (!hier && !dort)
             break;
-        if (dort && (!hier || std::uint64_t(eingang[7 * neu[j]]) < global[i])) {
-            const double* b = &eingang[7 * neu[j]];
-            std::copy(b + 1, b + 4, r[j].begin());
-            std::copy(b + 4, b + 7, v[j].begin());
+        if (dort && (!hier || std::uint64_t(eingang[w * neu[j]]) < global[i])) {
+            globalNeu.push_back(entpacke(&eingang[w * neu[j]], r[j], v[j], werteNeu));
             folge.push_back(-(long long)j - 1);
-            globalNeu.push_back(std::uint64_t(b[0]));
             ++j;
         } else {
             folge.push_back((long long)i);
             globalNeu.push_back(global[i]);
+            for (std::size_t c = 0; c < begleiter.size(); ++c) {
+                const auto& [werte, k] = begleiter[c];
+                if (mitgehen[c])
+                    werteNeu[c].insert(werteNeu[c].end(), werte->begin() + std::ptrdiff_t(k * i),
+                                       werte->begin() + std::ptrdiff_t(k * (i + 1)));
+            }
             ++i;
         }
     }
     scheibe.ordne_teilchen(folge, r, v);
     global.swap(globalNeu);
+    for (std::size_t c = 0; c < begleiter.size(); ++c)
+        begleiter[c].first->swap(werteNeu[c]);
 }

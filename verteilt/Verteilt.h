@@ -43,12 +43,15 @@ public:
     void werteTauschen(std::size_t k, const std::function<void(std::size_t, double*)>& lies,
                        const std::function<void(std::size_t, const double*)>& schreibe) override;
 
+    void begleite(std::vector<double>* werte, std::size_t k) override;
+    std::vector<double> sammleWerte(const std::vector<double>& werte, std::size_t k) override;
     std::uint64_t summe(std::uint64_t wert) override;
     double maximum(double wert) override;
     double minimum(double wert) override;
 
     std::vector<Entfernt>
-    entferne(AkkScheibe& scheibe, const std::function<bool(const Teilchen&, double&)>& raus) override;
+    entferne(AkkScheibe& scheibe,
+             const std::function<bool(const Teilchen&, double&)>& raus) override;
     void ausgeben(AkkScheibe& scheibe, PhysSystem& phys) override;
     bool aufnehmen(const Vektor3& r) override;
     void umverteilen(AkkScheibe& scheibe, bool ausgleichen) override;
@@ -80,12 +83,23 @@ private:
     // Ghost traffic of the last geisterHolen: own particles sent, by process.
     std::vector<std::uint32_t> gesendet;
     std::vector<int> sendeZahl, empfangsZahl;
-    std::vector<double> geistWerte;        // r, v of each ghost
-    std::vector<std::uint64_t> geistIdx;   // global index of each ghost
-    std::vector<double> puffer, eingang;   // scratch
+    std::vector<double> geistWerte;      // r, v of each ghost
+    std::vector<std::uint64_t> geistIdx; // global index of each ghost
+    std::vector<double> puffer, eingang; // scratch
+    // Arrays of values that go with the own particles, and their width.
+    std::vector<std::pair<std::vector<double>*, std::size_t>> begleiter;
+    // The widths of the arrays that match n own particles (the others
+    // are emptied), and their sum.
+    std::size_t begleitBreite(std::size_t n);
+    std::vector<int> mitgehen; // which of them, after the last begleitBreite
+    void packe(double* b, AkkScheibe& scheibe, std::size_t i, double index) const;
+    // r, v and the values of a record (these appended to werte); its global index.
+    std::uint64_t entpacke(const double* b, Vektor3& r, Vektor3& v,
+                           std::vector<std::vector<double>>& werte) const;
 
     int ebeneVon(const Vektor3& r) const;
     std::vector<double> sammelnRoh(AkkScheibe& scheibe);
+    std::vector<double> anNull(const std::vector<double>& aus);
     int besitzer(int ebene) const;
     // Slabs of about equal particle counts from the counts per plane.
     void schneiden(const std::vector<std::uint64_t>& proEbene);

@@ -1,4 +1,5 @@
 // The discs: header, snapshot names, unwritable snapshot; SPH pair search against brute force;
+// a slab of the grid with ghosts finds the whole grid's partners; rearranging particles;
 // pairs and discs handed what is not theirs. (Reader faults: tests/simulation; formulas: odeint.)
 
 #include "scheibe/PhysviscAkkScheibe.h"
@@ -136,6 +137,104 @@ TEST(SphPaarsuche, FindetGenauDiePaareDerBruteForceRegel) {
             EXPECT_GT(gefunden.size(), 1000u); // the test would be vacuous otherwise
         }
     }
+}
+
+// What a process of a distributed run bins: its own particles (those in planes a .. b, in
+// global order) and ghosts (the others in a - 1 .. b + 1, arriving in any order, placed by
+// global index) over a table of those planes only. Every own particle must find the partners,
+// in the order, that the whole grid gives it.
+TEST(SphPaarsuche, EineSchichtMitGeisternFindetDieListenDesGanzenGitters) {
+    std::mt19937_64 zufall(11);
+    std::uniform_real_distribution<double> gleich(0, 1);
+    const double h = 0.1;
+    const int n = 1500, nx = 12, ny = 6, nz = 4;
+    std::vector<Teilchen> alle(n);
+    for (auto& t : alle)
+        t.r = {gleich(zufall) * 1.0, gleich(zufall) * 0.4, gleich(zufall) * 0.2};
+    auto zelle = [&](const double* r) {
+        Gitter<Teilchen>::Index z{};
+        const int m[3] = {nx, ny, nz};
+        for (int c = 0; c < 3; ++c)
+            z[c] = std::clamp(int(std::ceil(r[c] / h)), 0, m[c] - 1);
+        return z;
+    };
+    // Partners of slot x by global index (`global` maps the grid's particle numbers).
+    auto liste = [&](const Gitter<Teilchen>& g, std::uint32_t x, auto global) {
+        std::vector<std::uint32_t> l;
+        g.partnerBereiche(x, [&](std::uint32_t a, std::uint32_t e) {
+            for (std::uint32_t q = a; q < e; ++q) {
+                const double d[3] = {g.x[q] - g.x[x], g.y[q] - g.y[x], g.z[q] - g.z[x]};
+                if (d[0] * d[0] + d[1] * d[1] + d[2] * d[2] < h * h)
+                    l.push_back(global(g.index[q]));
+            }
+        });
+        return l;
+    };
+    Gitter<Teilchen> ganz;
+    ganz.anlegen(nx, ny, nz, n);
+    ganz.fuellen(alle, [&](const Teilchen& t) { return zelle(t.r.data()); });
+    for (auto [a, b] : {std::pair{1, 3}, {4, 4}, {5, 8}, {0, 11}}) {
+        std::vector<std::uint32_t> eigen, geist; // global indices
+        for (std::uint32_t i = 0; i < n; ++i) {
+            const int e = zelle(alle[i].r.data())[0];
+            if (e >= a && e <= b)
+                eigen.push_back(i);
+            else if (e >= a - 1 && e <= b + 1)
+                geist.push_back(i);
+        }
+        std::shuffle(geist.begin(), geist.end(), zufall);
+        std::vector<std::uint32_t> nummer(eigen); // grid numbers: own, then ghosts
+        nummer.insert(nummer.end(), geist.begin(), geist.end());
+        std::vector<std::uint32_t> folge(nummer.size());
+        for (std::uint32_t k = 0; k < folge.size(); ++k)
+            folge[k] = k;
+        std::sort(folge.begin(), folge.end(),
+                  [&](auto p, auto q) { return nummer[p] < nummer[q]; });
+        Gitter<Teilchen> schicht;
+        schicht.anlegen(nx, ny, nz, 0);
+        schicht.ebenen(std::max(a - 1, 0), std::min(b + 1, nx - 1));
+        schicht.fuellen(
+            nummer.size(), [&](std::size_t p) { return zelle(alle[nummer[p]].r.data()); },
+            [&](std::size_t p) {
+                return std::pair(alle[nummer[p]].r.data(), alle[nummer[p]].v.data());
+            },
+            folge.data());
+        for (std::uint32_t i = 0; i < eigen.size(); ++i)
+            ASSERT_EQ(liste(schicht, schicht.slot[i], [&](std::uint32_t p) { return nummer[p]; }),
+                      liste(ganz, ganz.slot[eigen[i]], [](std::uint32_t p) { return p; }))
+                << "planes " << a << ".." << b << ", particle " << eigen[i];
+    }
+}
+
+// Particles handed on and taken: the kept ones in order with the new ones among them (in
+// place), or any order (through a copy); a disc that kept few gives its memory back.
+TEST(Scheibe, OrdneTeilchen) {
+    auto scheibe = [](int n) {
+        SphAkkScheibe s;
+        for (int i = 0; i < n; ++i)
+            s.teilchen.emplace_back().r = {double(i), 0, 0};
+        return s;
+    };
+    const std::vector<Vektor3> r = {{-1, 0, 0}, {-2, 0, 0}}, v = {{0, 1, 0}, {0, 2, 0}};
+    for (auto [folge, erwartet] : {std::pair<std::vector<long long>, std::vector<double>>{
+                                       {-1, 1, 3, -2, 4}, {-1, 1, 3, -2, 4}},
+                                   {{4, -2, 0, 0}, {4, -2, 0, 0}},
+                                   {{}, {}},
+                                   {{-2, -1}, {-2, -1}}}) {
+        SphAkkScheibe s = scheibe(5);
+        s.teilchen[3].rho = 7;
+        s.ordne_teilchen(folge, r, v);
+        ASSERT_EQ(s.teilchen.size(), erwartet.size());
+        for (std::size_t k = 0; k < erwartet.size(); ++k) {
+            EXPECT_EQ(s.teilchen[k].r[0], erwartet[k]);
+            // New particles start afresh; kept ones keep all they had.
+            EXPECT_EQ(s.teilchen[k].v[1], erwartet[k] < 0 ? -erwartet[k] : 0.0);
+            EXPECT_EQ(s.teilchen[k].rho, erwartet[k] == 3 ? 7.0 : 0.0);
+        }
+    }
+    SphAkkScheibe gross = scheibe(5000);
+    gross.ordne_teilchen({10, 20}, {}, {});
+    EXPECT_LT(gross.teilchen.capacity(), 1100u);
 }
 
 TEST(SphFremd, PaarUndScheibeWeisenFremdesAb) {

@@ -73,30 +73,42 @@ zufall)
     ;;
 strom)
     prog=$1 beispiel=$2
-    mkdir -p "$arbeit/ganz/data"
-    cp "$beispiel"/data/* "$arbeit/ganz/data/"
-    printf '\nMaxSchritte 240\n' >> "$arbeit/ganz/data/OYCar.parameter"
-    (cd "$arbeit/ganz" && OMP_NUM_THREADS=1 "$prog" > stdout 2> stderr)
-    for np in 2 3 4; do
-        rm -rf "$arbeit/n"; cp -r "$arbeit/ganz" "$arbeit/n"; rm -f "$arbeit/n/data/Akk-OYCar-"[1-9]*
-        (cd "$arbeit/n" && mpi $np 1 "$prog" > stdout 2> stderr)
-        vergleiche "$arbeit/n" "$arbeit/ganz" "Strom np=$np"
-    done
-    # Stopped on a process count, resumed on another: the same run; the
-    # checkpoints are the same file whatever the count that wrote them.
-    for paar in "3 1" "1 4" "2 3" "4 2"; do
-        set -- $paar
-        h="$arbeit/halt$1$2"
-        cp -r "$arbeit/ganz" "$h"; rm -f "$h"/data/Akk-OYCar-[1-9]* "$h"/std*
-        (cd "$h" && mpi $1 2 "$prog" --halt-nach 101 > stdout 2> /dev/null)
-        cp "$h/data/akkstrom.sicherung" "$arbeit/sicherung$1"
-        (cd "$h" && mpi $2 1 "$prog" --weiter >> stdout 2> /dev/null)
-        cmp -s "$h/stdout" "$arbeit/ganz/stdout" || falsch "stdout angehalten auf $1, weiter auf $2"
-        diff -r -x akkstrom.sicherung "$h/data" "$arbeit/ganz/data" > /dev/null ||
-            falsch "data/ angehalten auf $1, weiter auf $2"
-    done
-    for np in 3 4 2; do
-        cmp -s "$arbeit/sicherung1" "$arbeit/sicherung$np" || falsch "Sicherung von $np Prozessen"
+    # The Cash-Karp run, and the leapfrog with the light curve (its
+    # accelerations go with the particles and into the checkpoint).
+    for art in cashkarp leapfrog; do
+        optionen=()
+        [ $art = leapfrog ] && optionen=(--integrator leapfrog --lichtkurve lk.tsv)
+        ganz="$arbeit/ganz-$art"
+        mkdir -p "$ganz/data"
+        cp "$beispiel"/data/* "$ganz/data/"
+        printf '\nMaxSchritte 240\n' >> "$ganz/data/OYCar.parameter"
+        (cd "$ganz" && OMP_NUM_THREADS=1 "$prog" "${optionen[@]}" > stdout 2> stderr)
+        for np in 2 3 4; do
+            n="$arbeit/n-$art"
+            rm -rf "$n"; cp -r "$ganz" "$n"; rm -f "$n"/data/Akk-OYCar-[1-9]* "$n"/lk.tsv
+            (cd "$n" && mpi $np 1 "$prog" "${optionen[@]}" > stdout 2> stderr)
+            vergleiche "$n" "$ganz" "$art np=$np"
+            [ $art = cashkarp ] || cmp -s "$n/lk.tsv" "$ganz/lk.tsv" || falsch "Lichtkurve np=$np"
+        done
+        # Stopped on a process count, resumed on another: the same run; the
+        # checkpoints are the same file whatever the count that wrote them.
+        for paar in "3 1" "1 4" "2 3" "4 2"; do
+            set -- $paar
+            h="$arbeit/halt-$art$1$2"
+            cp -r "$ganz" "$h"; rm -f "$h"/data/Akk-OYCar-[1-9]* "$h"/std* "$h"/lk.tsv
+            (cd "$h" && mpi $1 2 "$prog" "${optionen[@]}" --halt-nach 101 > stdout 2> /dev/null)
+            cp "$h/data/akkstrom.sicherung" "$arbeit/sicherung-$art$1"
+            (cd "$h" && mpi $2 1 "$prog" "${optionen[@]}" --weiter >> stdout 2> /dev/null)
+            cmp -s "$h/stdout" "$ganz/stdout" || falsch "$art stdout angehalten auf $1, weiter auf $2"
+            diff -r -x akkstrom.sicherung "$h/data" "$ganz/data" > /dev/null ||
+                falsch "$art data/ angehalten auf $1, weiter auf $2"
+            [ $art = cashkarp ] || cmp -s "$h/lk.tsv" "$ganz/lk.tsv" ||
+                falsch "$art Lichtkurve angehalten auf $1, weiter auf $2"
+        done
+        for np in 3 4 2; do
+            cmp -s "$arbeit/sicherung-${art}1" "$arbeit/sicherung-$art$np" ||
+                falsch "$art: Sicherung von $np Prozessen"
+        done
     done
     # A process killed mid-run ends the job; --weiter from the last
     # checkpoint gives the bytes of the uninterrupted run.
@@ -134,12 +146,15 @@ fehler)
     grep -q "^Fehler: 4 Prozesse, aber nur 3 Zellebenen" "$arbeit/eng/stdout" || falsch "Meldung zu vielen Prozessen"
     [ "$(grep -c Zellebenen "$arbeit/eng/stdout")" = 1 ] || falsch "Meldung nicht einmal"
     ls "$arbeit/eng/data" | grep -q 'Akk-OYCar-[1-9]' && falsch "Schnappschuss trotz Fehler"
-    # The options that keep per-particle state refuse several processes.
-    mkdir -p "$arbeit/opt/data"
-    cp "$beispiel"/data/* "$arbeit/opt/data/"
-    (cd "$arbeit/opt" && mpi 2 1 "$akkstrom" --integrator leapfrog > stdout 2> stderr)
-    [ $? -eq 2 ] || falsch "--integrator leapfrog auf 2 Prozessen: Status"
-    grep -q "nur in einem Prozess" "$arbeit/opt/stderr" || falsch "Meldung leapfrog"
+    # A checkpoint of another run is refused on every process count.
+    mkdir -p "$arbeit/fremd/data"
+    cp "$beispiel"/data/* "$arbeit/fremd/data/"
+    (cd "$arbeit/fremd" && mpi 2 1 "$akkstrom" --halt-nach 3 > /dev/null 2>&1)
+    printf '\n%% anders\n' >> "$arbeit/fremd/data/OYCar.parameter"
+    (cd "$arbeit/fremd" && mpi 3 1 "$akkstrom" --weiter > stdout 2> stderr)
+    [ $? -eq 1 ] || falsch "fremde Sicherung auf 3 Prozessen: Status"
+    [ "$(LC_ALL=C grep -c "geh.rt zu einem anderen Lauf" "$arbeit/fremd/stderr")" = 1 ] ||
+        falsch "Meldung fremde Sicherung"
     ;;
 *)
     echo "unbekannt: $art"; exit 2 ;;

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 class AkkScheibe;
@@ -72,6 +73,9 @@ public:
     // k values per own particle (local order) of every process, in global
     // order on process 0; empty elsewhere.
     virtual std::vector<double> sammleWerte(const std::vector<double>& werte, std::size_t k) = 0;
+
+    // Process 0's bytes, on every process.
+    virtual void teile(std::string& bytes) = 0;
 
     // Sum of an integer count and maximum of a value over the processes:
     // both exact in any order.

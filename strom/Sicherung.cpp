@@ -244,6 +244,53 @@ std::string Sicherung::schreibe(const Odeint& odeint, AkkScheibe& scheibe) const
 }
 
 std::string Sicherung::lies(Odeint& odeint, AkkScheibe& scheibe) const {
+    Verteilung* vt = scheibe.verteilung;
+    if (!vt)
+        return liesDatei(odeint, scheibe, nullptr);
+    std::string fehler, kopf;
+    if (vt->rang() == 0)
+        fehler = liesDatei(odeint, scheibe, &kopf);
+    vt->teile(fehler);
+    if (!fehler.empty())
+        return fehler;
+    vt->teile(kopf);
+    if (vt->rang() != 0)
+        setzeKopf(odeint, scheibe, kopf);
+    // The particles, and the parts' values that go with them, from process 0.
+    vt->verteilen(scheibe);
+    return "";
+}
+
+void Sicherung::setzeKopf(Odeint& odeint, AkkScheibe& scheibe, const std::string& kopf) const {
+    std::size_t pos = 0;
+    Laufstand& st = odeint.stand;
+    double zeit = 0;
+    std::int64_t eingespeist = 0;
+    std::uint64_t n = 0, laenge = 0;
+    Sicherungsteil::nimm(kopf, pos, odeint.h);
+    Sicherungsteil::nimm(kopf, pos, st.t0);
+    for (int* x : {&st.kout, &st.nstp, &st.remove_count, &st.nok, &st.nbad})
+        Sicherungsteil::nimm(kopf, pos, *x);
+    Sicherungsteil::nimm(kopf, pos, zeit);
+    Sicherungsteil::nimm(kopf, pos, quelle->t0);
+    Sicherungsteil::nimm(kopf, pos, eingespeist);
+    Sicherungsteil::nimm(kopf, pos, laenge);
+    std::istringstream zein(kopf.substr(pos, static_cast<std::size_t>(laenge)));
+    pos += static_cast<std::size_t>(laenge);
+    zein.imbue(std::locale::classic());
+    zein >> quelle->zufall;
+    quelle->eingespeist = eingespeist;
+    scheibe.ordne_teilchen({}, {}, {});
+    scheibe.t(zeit);
+    Sicherungsteil::nimm(kopf, pos, n);
+    for (Sicherungsteil* t : teile) {
+        Sicherungsteil::nimm(kopf, pos, laenge);
+        t->lies(kopf.substr(pos, static_cast<std::size_t>(laenge)), static_cast<std::size_t>(n), true);
+        pos += static_cast<std::size_t>(laenge);
+    }
+}
+
+std::string Sicherung::liesDatei(Odeint& odeint, AkkScheibe& scheibe, std::string* rest) const {
     const std::string vorsatz = "Sicherung '" + datei + "' ";
     std::string b;
     {
@@ -370,9 +417,23 @@ std::string Sicherung::lies(Odeint& odeint, AkkScheibe& scheibe) const {
     quelle->zufall = zufall;
     for (std::size_t i = 0; i < teile.size(); ++i)
         teile[i]->lies(teilBytes[i], static_cast<std::size_t>(n), true);
-    // The parts' values per particle go with the particles.
-    if (scheibe.verteilung)
-        scheibe.verteilung->verteilen(scheibe);
+    if (rest) {
+        using T = Sicherungsteil;
+        T::anhaengen(*rest, h);
+        T::anhaengen(*rest, st.t0);
+        for (int x : {st.kout, st.nstp, st.remove_count, st.nok, st.nbad})
+            T::anhaengen(*rest, x);
+        T::anhaengen(*rest, zeit);
+        T::anhaengen(*rest, stromT0);
+        T::anhaengen(*rest, eingespeist);
+        T::anhaengen(*rest, static_cast<std::uint64_t>(zt.size()));
+        rest->append(zt);
+        T::anhaengen(*rest, n);
+        for (const std::string& b : teilBytes) {
+            T::anhaengen(*rest, static_cast<std::uint64_t>(b.size()));
+            rest->append(b);
+        }
+    }
     return "";
 }
 

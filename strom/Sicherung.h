@@ -87,13 +87,19 @@ public:
 
     // Reads the checkpoint `datei` and sets the run to its state. Nothing is
     // changed unless the whole file is sound and belongs to this run (same
-    // fingerprints, same disc); else the message (without line end).
+    // fingerprints, same disc); else the message (without line end). In a
+    // distributed run process 0 reads it and hands the others their part.
     std::string lies(Odeint& odeint, AkkScheibe& scheibe) const;
 
     // FNV-1a fingerprint of a file's bytes; false if it cannot be read.
     static bool pruefsumme(const std::string& datei, std::uint64_t& summe);
 
 private:
+    // The file read and checked and the run set to it, here; with rest, the
+    // run's state but the particles goes there too (for the other processes).
+    std::string liesDatei(Odeint& odeint, AkkScheibe& scheibe, std::string* rest) const;
+    // The run set to such a state, with no particles of its own.
+    void setzeKopf(Odeint& odeint, AkkScheibe& scheibe, const std::string& kopf) const;
     double letzteZeit = -1;     // wall clock of the last checkpoint (or of the first step), s
     long long schritteHier = 0; // steps done by this process
 };

@@ -369,6 +369,16 @@ std::vector<double> Verteilt::sammleWerte(const std::vector<double>& werte, std:
     return alleWerte;
 }
 
+void Verteilt::teile(std::string& bytes) {
+    std::uint64_t laenge = bytes.size();
+    MPI_Bcast(&laenge, 1, MPI_UINT64_T, 0, komm);
+    bytes.resize(laenge);
+    // In pieces below 2^31 bytes, the count's limit.
+    for (std::uint64_t a = 0; a < laenge; a += std::uint64_t(1) << 30)
+        MPI_Bcast(bytes.data() + a, int(std::min<std::uint64_t>(laenge - a, std::uint64_t(1) << 30)),
+                  MPI_CHAR, 0, komm);
+}
+
 std::uint64_t Verteilt::summe(std::uint64_t wert) {
     std::uint64_t s = 0;
     MPI_Allreduce(&wert, &s, 1, MPI_UINT64_T, MPI_SUM, komm);

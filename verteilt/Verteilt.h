@@ -45,6 +45,7 @@ public:
 
     void begleite(std::vector<double>* werte, std::size_t k) override;
     std::vector<double> sammleWerte(const std::vector<double>& werte, std::size_t k) override;
+    void teile(std::string& bytes) override;
     std::uint64_t summe(std::uint64_t wert) override;
     double maximum(double wert) override;
     double minimum(double wert) override;

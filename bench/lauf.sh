@@ -11,17 +11,10 @@ set -euo pipefail
 n=${1:?number of particles}
 schritte=${2:-2}
 build=$(cd "${3:-build}" && pwd)
-quelle=$(cd "$(dirname "$0")/.." && pwd)
 ordner=$(mktemp -d)
 trap 'rm -rf "$ordner"' EXIT
-mkdir -p "$ordner/data"
-h=$(awk -v n="$n" 'BEGIN { printf "%.17g", 0.03 * sqrt(3000 / n) }')
-hoehe=$(awk -v h="$h" 'BEGIN { printf "%.17g", 0.01 * h }')
-{ cat "$quelle/data/OYCar.parameter"
-  printf '\nSmoothinglength %s\nAnfangsschrittweite 1\nMaxSchritte %s\n' "$h" "$schritte"
-} > "$ordner/data/OYCar.parameter"
-"$build/tools/scheibengenerator" --anzahl "$n" --hoehe "$hoehe" \
-    -p "$ordner/data/OYCar.parameter" -o "$ordner/data/Akk-OYCar-0"
+source "$(dirname "$0")/scheibe.sh"
+bench_scheibe "$n" "$schritte" "$build" "$ordner"
 cd "$ordner"
 /usr/bin/time -f '%e %M' -o zeit "$build/akkscheibe" > stdout
 read -r sekunden kib < zeit

@@ -13,17 +13,10 @@ schritte=${2:-3}
 np=${3:-2}
 faeden=${4:-1}
 build=$(cd "${5:-build}" && pwd)
-quelle=$(cd "$(dirname "$0")/.." && pwd)
 ordner=$(mktemp -d)
 trap 'rm -rf "$ordner"' EXIT
-mkdir -p "$ordner/data"
-h=$(awk -v n="$n" 'BEGIN { printf "%.17g", 0.03 * sqrt(3000 / n) }')
-hoehe=$(awk -v h="$h" 'BEGIN { printf "%.17g", 0.01 * h }')
-{ cat "$quelle/data/OYCar.parameter"
-  printf '\nSmoothinglength %s\nAnfangsschrittweite 1\nMaxSchritte %s\n' "$h" "$schritte"
-} > "$ordner/data/OYCar.parameter"
-"$build/tools/scheibengenerator" --anzahl "$n" --hoehe "$hoehe" \
-    -p "$ordner/data/OYCar.parameter" -o "$ordner/data/Akk-OYCar-0"
+source "$(dirname "$0")/scheibe.sh"
+bench_scheibe "$n" "$schritte" "$build" "$ordner"
 cd "$ordner"
 # Each step line stamped with the wall clock as it arrives.
 # One process runs without a launcher (no MPI at all), under GNU time for its memory.

@@ -137,7 +137,7 @@ std::string Leapfrog::zustand() {
     std::vector<double> alle;
     if (aktuell && verteilung)
         alle = verteilung->sammleWerte(g, 3);
-    const std::vector<double>& werte = !aktuell ? alle : verteilung ? alle : g;
+    const std::vector<double>& werte = aktuell && !verteilung ? g : alle;
     std::string b;
     anhaengen(b, static_cast<std::uint8_t>(aktuell));
     anhaengen(b, static_cast<std::int64_t>(marke));

@@ -163,19 +163,20 @@ bool Sicherung::pruefsumme(const std::string& name, std::uint64_t& summe) {
 std::string Sicherung::schreibe(const Odeint& odeint, AkkScheibe& scheibe) const {
     // The whole disc in its order: in a run spread over processes, process
     // 0 gathers it and writes the file alone.
-    std::vector<Teilchen> ganz;
     std::vector<std::string> teilZustand; // formed by every process (they gather)
     for (Sicherungsteil* t : teile)
         teilZustand.push_back(t->zustand());
+    std::vector<Teilchen> ganz;
     if (scheibe.verteilung) {
         ganz = scheibe.verteilung->sammeln(scheibe);
         if (scheibe.verteilung->rang() != 0)
             return "";
-    } else {
-        ganz.reserve(static_cast<std::size_t>(scheibe.tanz()));
-        for (int i = 0; i < scheibe.tanz(); ++i)
-            ganz.push_back(scheibe[i]);
     }
+    const std::size_t anzahl =
+        scheibe.verteilung ? ganz.size() : static_cast<std::size_t>(scheibe.tanz());
+    auto teilchen = [&](std::size_t i) -> const Teilchen& {
+        return scheibe.verteilung ? ganz[i] : scheibe[int(i)];
+    };
     const std::string neu = datei + ".neu";
     const int fd = ::open(neu.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0)
@@ -193,9 +194,9 @@ std::string Sicherung::schreibe(const Odeint& odeint, AkkScheibe& scheibe) const
     for (int x : {st.kout, st.nstp, st.remove_count, st.nok, st.nbad})
         w.zahl(static_cast<std::int32_t>(x));
     w.zahl(scheibe.t());
-    const std::uint64_t n = static_cast<std::uint64_t>(ganz.size());
-    w.zahl(n);
-    for (const Teilchen& t : ganz) {
+    w.zahl(static_cast<std::uint64_t>(anzahl));
+    for (std::size_t i = 0; i < anzahl; ++i) {
+        const Teilchen& t = teilchen(i);
         for (int k = 0; k < 3; ++k)
             w.zahl(t.r[k]);
         for (int k = 0; k < 3; ++k)

@@ -40,6 +40,32 @@ Verteilt::~Verteilt() {
     }
 }
 
+// Every process's values, one after the other in process order: on every
+// process (ueberall), else on process 0 (empty elsewhere). With anfaenge,
+// where each process's values begin (and, last, their total).
+template <class T>
+std::vector<T> Verteilt::sammle(const std::vector<T>& aus, MPI_Datatype typ, bool ueberall,
+                                std::vector<int>* anfaenge) {
+    const int zahl = int(aus.size());
+    std::vector<int> zahlen(static_cast<std::size_t>(anzahl)),
+        anfang(static_cast<std::size_t>(anzahl) + 1, 0);
+    if (ueberall)
+        MPI_Allgather(&zahl, 1, MPI_INT, zahlen.data(), 1, MPI_INT, komm);
+    else
+        MPI_Gather(&zahl, 1, MPI_INT, zahlen.data(), 1, MPI_INT, 0, komm);
+    for (std::size_t q = 0; q < std::size_t(anzahl); ++q)
+        anfang[q + 1] = anfang[q] + zahlen[q];
+    const int summe = anfang.back();
+    std::vector<T> ein(ueberall || ich == 0 ? static_cast<std::size_t>(summe) : 0);
+    if (ueberall)
+        MPI_Allgatherv(aus.data(), zahl, typ, ein.data(), zahlen.data(), anfang.data(), typ, komm);
+    else
+        MPI_Gatherv(aus.data(), zahl, typ, ein.data(), zahlen.data(), anfang.data(), typ, 0, komm);
+    if (anfaenge)
+        anfaenge->swap(anfang);
+    return ein;
+}
+
 int Verteilt::ebeneVon(const Vektor3& r) const {
     return gitter ? scheibe::zelle(r[0], xmin, h, nx) : 0;
 }
@@ -209,6 +235,7 @@ void Verteilt::geisterHolen(const std::vector<std::size_t>& zellen,
         const int e = int(zellen[i] / proEbene);
         if (e >= a && e <= b)
             continue;
+        ++streuner;
         const int j = int(zellen[i] / std::size_t(nz) % std::size_t(ny)),
                   k = int(zellen[i] % std::size_t(nz));
         for (int di = -1; di <= 1; ++di)
@@ -223,29 +250,16 @@ void Verteilt::geisterHolen(const std::vector<std::size_t>& zellen,
                                     std::uint64_t(nk));
                 }
     }
-    streuner += n - std::size_t(std::count_if(zellen.begin(), zellen.end(), [&](std::size_t z) {
-                    return int(z / proEbene) >= a && int(z / proEbene) <= b;
-                }));
     std::sort(extra.begin(), extra.end());
     extra.erase(std::unique(extra.begin(), extra.end()), extra.end());
-    const int meine = int(extra.size());
-    std::vector<int> zahlen(static_cast<std::size_t>(anzahl)),
-        anfang(static_cast<std::size_t>(anzahl));
-    MPI_Allgather(&meine, 1, MPI_INT, zahlen.data(), 1, MPI_INT, komm);
-    int summe = 0;
-    for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
-        anfang[q] = summe;
-        summe += zahlen[q];
-    }
-    std::vector<std::uint64_t> alleExtra(static_cast<std::size_t>(summe));
-    MPI_Allgatherv(extra.data(), meine, MPI_UINT64_T, alleExtra.data(), zahlen.data(),
-                   anfang.data(), MPI_UINT64_T, komm);
+    std::vector<int> anfang; // where each process's cells begin
+    const std::vector<std::uint64_t> alleExtra = sammle(extra, MPI_UINT64_T, true, &anfang);
     // The others' extra cells as (cell, process), sorted, and their planes.
     std::vector<std::pair<std::uint64_t, int>> fremd;
     std::vector<char> extraEbene(static_cast<std::size_t>(nx), 0);
-    for (std::size_t q = 0; q < std::size_t(anzahl); ++q)
-        for (int s = anfang[q]; s < anfang[q] + zahlen[q] && int(q) != ich; ++s) {
-            fremd.emplace_back(alleExtra[std::size_t(s)], int(q));
+    for (int q = 0; q < anzahl; ++q)
+        for (int s = anfang[std::size_t(q)]; s < anfang[std::size_t(q) + 1] && q != ich; ++s) {
+            fremd.emplace_back(alleExtra[std::size_t(s)], q);
             extraEbene[std::size_t(alleExtra[std::size_t(s)] / proEbene)] = 1;
         }
     std::sort(fremd.begin(), fremd.end());
@@ -254,6 +268,10 @@ void Verteilt::geisterHolen(const std::vector<std::size_t>& zellen,
     constexpr int extraBit = 1 << 30;
     auto ziele = [&](std::size_t i, auto f) {
         const int e = int(zellen[i] / proEbene);
+        // Inside the slab, away from its edges, only the extra cells may
+        // be wanted elsewhere.
+        if (e > a && e < b && !extraEbene[std::size_t(e)])
+            return;
         int vorher = -1;
         for (int d = -1; d <= 1; ++d) {
             const int q = besitzer(std::min(std::max(e + d, 0), nx - 1));
@@ -337,23 +355,6 @@ std::size_t Verteilt::begleitBreite(std::size_t n) {
     return breite;
 }
 
-// Every process's doubles, one after the other in process order, on process 0.
-std::vector<double> Verteilt::anNull(const std::vector<double>& aus) {
-    const int zahl = int(aus.size());
-    std::vector<int> zahlen(static_cast<std::size_t>(anzahl)),
-        anfang(static_cast<std::size_t>(anzahl));
-    MPI_Gather(&zahl, 1, MPI_INT, zahlen.data(), 1, MPI_INT, 0, komm);
-    int summe = 0;
-    for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
-        anfang[q] = summe;
-        summe += zahlen[q];
-    }
-    std::vector<double> ein(ich == 0 ? static_cast<std::size_t>(summe) : 0);
-    MPI_Gatherv(aus.data(), zahl, MPI_DOUBLE, ein.data(), zahlen.data(), anfang.data(), MPI_DOUBLE,
-                0, komm);
-    return ein;
-}
-
 std::vector<double> Verteilt::sammleWerte(const std::vector<double>& werte, std::size_t k) {
     const std::size_t n = global.size();
     puffer.resize((k + 1) * n);
@@ -362,7 +363,7 @@ std::vector<double> Verteilt::sammleWerte(const std::vector<double>& werte, std:
         for (std::size_t c = 0; c < k; ++c)
             puffer[(k + 1) * i + 1 + c] = i * k + c < werte.size() ? werte[i * k + c] : 0.0;
     }
-    eingang = anNull(puffer);
+    eingang = sammle(puffer, MPI_DOUBLE, false);
     std::vector<double> alleWerte(ich == 0 ? k * std::size_t(alle) : 0);
     for (std::size_t s = 0; s + k + 1 <= eingang.size(); s += k + 1)
         std::copy(&eingang[s + 1], &eingang[s + 1 + k], &alleWerte[k * std::size_t(eingang[s])]);
@@ -416,17 +417,7 @@ Verteilt::entferne(AkkScheibe& scheibe, const std::function<bool(const Teilchen&
             ++i;
         }
     }
-    const int zahl = int(meine.size());
-    std::vector<int> zahlen(ab.size() - 1), anfang(ab.size() - 1);
-    MPI_Allgather(&zahl, 1, MPI_INT, zahlen.data(), 1, MPI_INT, komm);
-    int gesamtZahl = 0;
-    for (std::size_t q = 0; q < std::size_t(anzahl); ++q) {
-        anfang[q] = gesamtZahl;
-        gesamtZahl += zahlen[q];
-    }
-    std::vector<double> alleWeg(static_cast<std::size_t>(gesamtZahl));
-    MPI_Allgatherv(meine.data(), zahl, MPI_DOUBLE, alleWeg.data(), zahlen.data(), anfang.data(),
-                   MPI_DOUBLE, komm);
+    const std::vector<double> alleWeg = sammle(meine, MPI_DOUBLE, true);
     std::vector<Entfernt> weg(alleWeg.size() / 2);
     for (std::size_t k = 0; k < weg.size(); ++k)
         weg[k] = {std::uint64_t(alleWeg[2 * k]), alleWeg[2 * k + 1]};
@@ -453,7 +444,7 @@ std::vector<double> Verteilt::sammelnRoh(AkkScheibe& scheibe) {
         std::copy(t.r.begin(), t.r.end(), &puffer[7 * i + 1]);
         std::copy(t.v.begin(), t.v.end(), &puffer[7 * i + 4]);
     }
-    std::vector<double> ein = anNull(puffer);
+    std::vector<double> ein = sammle(puffer, MPI_DOUBLE, false);
     std::vector<double>().swap(puffer);
     return ein;
 }

@@ -100,7 +100,9 @@ private:
 
     int ebeneVon(const Vektor3& r) const;
     std::vector<double> sammelnRoh(AkkScheibe& scheibe);
-    std::vector<double> anNull(const std::vector<double>& aus);
+    template <class T>
+    std::vector<T> sammle(const std::vector<T>& aus, MPI_Datatype typ, bool ueberall,
+                          std::vector<int>* anfaenge = nullptr);
     int besitzer(int ebene) const;
     // Slabs of about equal particle counts from the counts per plane.
     void schneiden(const std::vector<std::uint64_t>& proEbene);
